@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+
+#include "run/run.h"
+
+// The error of the first write to standard output that failed, 0 for none. A reader that has
+// seen enough (EPIPE) is no error: `gravlex ... | head` still draws its picture.
+static int OutputError = 0;
+
+static void note_output(bool failed) {
+    if (failed && OutputError == 0)
+        OutputError = errno;
+}
+
+void flush_output() {
+    note_output(std::fflush(stdout) != 0);
+}
+
+static void close_output() {
+    flush_output();
+    if (OutputError == 0 || OutputError == EPIPE)
+        return;
+    std::fprintf(stderr, "Cannot write to standard output: %s\n", std::strerror(OutputError));
+    std::fflush(nullptr);  // gnuplot still gets what is on its way
+    _exit(EXIT_FAILURE);
+}
+
+// A descriptor below 3 that is closed at the start would be given to the input file or to the
+// pipe to gnuplot, and our own text would end there.
+static void open_closed_streams() {
+    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
+        if (fcntl(fd, F_GETFD) != -1)
+            continue;
+        // Standard input must stay unreadable, lest /dev/stdin pass for an empty file.
+        const int opened = fd == STDIN_FILENO ? open("/", O_PATH) : open("/dev/null", O_WRONLY);
+        if (opened != fd)
+            _exit(EXIT_FAILURE);
+    }
+}
+
+static void ignore_signal(int) {}
+
+void prepare_process() {
+    open_closed_streams();
+    // Handlers rather than SIG_IGN: gnuplot starts with the defaults again.
+    struct sigaction action = {};
+    action.sa_handler = ignore_signal;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGPIPE, &action, nullptr);
+    sigaction(SIGXFSZ, &action, nullptr);
+    std::atexit(close_output);
+}
+
+void say(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    note_output(std::vprintf(format, args) < 0);
+    va_end(args);
+}
+
+void complain(const char* format, ...) {
+    flush_output();
+    va_list args;
+    va_start(args, format);
+    std::vfprintf(stderr, format, args);
+    va_end(args);
+}
+
+void fail(FILE* stream, const char* format, ...) {
+    flush_output();
+    va_list args;
+    va_start(args, format);
+    std::vfprintf(stream, format, args);
+    va_end(args);
+    std::exit(EXIT_FAILURE);
+}
+
+void* resize_block(void* block, std::size_t count, std::size_t size) {
+    void* resized = reallocarray(block, count == 0 ? 1 : count, size);
+    if (resized == nullptr)
+        fail(stderr, "Cannot allocate memory\n");
+    return resized;
+}

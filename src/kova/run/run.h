@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+//
+// Run control: the table of data kinds, the settings of the command line, the selection lists,
+// the plot groups, the gnuplot process, and the way a run talks and ends.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+// ---- Data kinds (kinds.cpp) --------------------------------------------------------------------
+
+// One flag per kind of column; a set of kinds is an unsigned mask of them.
+constexpr int P_GINT_INT = 0x00000001;   // total experimental intensity
+constexpr int P_GINT_BGL = 0x00000002;   // background
+constexpr int P_GINT_SMS = 0x00000004;   // experimental sM(s)
+constexpr int P_GINT_TSMS = 0x00000008;  // theoretical sM(s)
+constexpr int P_GINT_DSMS = 0x00000010;  // delta sM(s)
+constexpr int P_GINT_RINT = 0x00000020;  // reduced experimental intensity
+constexpr int P_GINT_SEC = 0x00000040;   // sector function
+constexpr int P_GINT_IAT = 0x00000080;   // atomic scattering intensity
+constexpr int P_GINT_S = 0x00000100;     // s-values, the abscissa
+constexpr int P_GINT_RBGL = 0x00000200;  // reduced background
+constexpr int P_GINT_SMSS = 0x00000400;  // standard deviation of sM(s)
+constexpr int P_GINT_INTS = 0x00000800;  // standard deviation of the intensity
+constexpr int P_GINT_R = 0x00001000;     // R-values
+constexpr int P_GINT_LINT = 0x00002000;  // levelled experimental intensity
+constexpr int P_GINT_LBGL = 0x00004000;  // levelled background
+constexpr int P_GINT_TINT = 0x00008000;  // theoretical intensity
+constexpr int P_GINT_DINT = 0x00010000;  // delta intensity
+
+constexpr unsigned P_GINT_EVERY = 0x1ffff;  // all seventeen
+// What the list word "all" stands for: not s, which is always read, and not the levelled kinds,
+// which repeat the reduced ones and would crowd them out of the picture.
+constexpr unsigned P_GINT_WORD_ALL = 0x19eff;
+
+// The number of kinds, and so the most columns that a table can have.
+constexpr int MAX_COLS = 17;
+
+// How a kind is drawn. 0 marks the abscissa kinds, which are never drawn as a series.
+constexpr int ST_LINES = 1;
+constexpr int ST_POINTS = 2;
+constexpr int ST_LPOINTS = 3;
+constexpr int ST_SPECIAL = 4;
+
+struct data_type_t {
+    int type;              // P_GINT_* flag
+    char name[100];        // long name, for the console
+    char name_short[30];   // legend, and y label on screen
+    char name_eps[100];    // y label in an image, as gnuplot enhanced text
+    char style_color[20];  // gnuplot colour
+    int style_type;        // ST_*; --style_sms writes the row of experimental sM(s)
+    int p_type;            // gnuplot point type; --ptype_sms writes the same row
+    double style_lw;       // line width before the user's factor
+    double style_crad;     // unused radius, 0
+    int user;              // mark of the y label: this kind is already named in it
+};
+
+// The row order is part of the picture: the y label looks for shared labels in it.
+extern data_type_t Type[MAX_COLS];
+
+// The row of Type for one flag. Anything but a single known flag ends the run with
+// "Unknown data type: %d\n" on standard output.
+int d_idx(int t);
+
+// True if the kind is in the mask.
+constexpr bool is_in(int kind, unsigned mask) {
+    return (static_cast<unsigned>(kind) & mask) != 0;
+}
+
+// ---- Settings (options.cpp) --------------------------------------------------------------------
+// Written by parse_command_line only; their initial values are the defaults of the options.
+
+constexpr int IMG_PNG = 1;
+constexpr int IMG_EPS = 2;
+constexpr int IMG_SVG = 3;
+
+extern char* ImgFname;          // name of the image, null when none is asked for
+extern int MakeImage;           // IMG_*, 0 for no image
+extern int wx, wy;              // size of the image in pixels
+extern int PlotGrid;            // flag
+extern int PlotLegend;          // flag
+extern int PlotXtics;           // flag
+extern int PlotYtics;           // flag
+extern int PlotX2tics;          // flag
+extern int PlotY2tics;          // flag
+extern double PlotRatio;        // height to width, 0 leaves it to gnuplot
+extern int UserTerminal;        // flag: UserTerminalName is to be set
+extern char* UserTerminalName;  // gnuplot terminal, with its options
+extern int PlotBglPlus1;        // flag: 1 is added to the backgrounds when they are read
+extern int MultiPlot;           // flag: one page for all plots
+extern int AutoShifts;          // flag: stack the curves of the first plot
+extern double ShiftMult;        // factor of all shifts, 0 stands for 1
+extern double LineWidthFactor;
+extern double ErrLineWidthFactor;
+extern double PointSizeFactor;
+extern double smsStdevFactor;   // factor of the sM(s) deviations when they are read
+extern double ErrFillAlpha;     // opacity of deviation bands, 0 to 1
+extern double Gxmin, Gxmax;     // x range in 1/Angstrom, GX_NOT_GIVEN leaves an end to the data
+extern int TableN;              // which table of the file, from 1
+extern unsigned DataToRead;     // mask of the kinds to read
+extern unsigned DataToCombine;  // mask of the kinds drawn in one plot, 0 for none
+
+constexpr double GX_NOT_GIVEN = -1e100;
+
+// Pair lists: set numbers and curve numbers at equal indices; null with a count of 0.
+extern int NparToRead, *ParToReadNum1, *ParToReadNum2;
+extern int NparToCombine, *ParToCombineNum1, *ParToCombineNum2;
+
+// How the sM(s) deviations are shown (flags).
+extern int smsErrBars;    // bars on experimental sM(s)
+extern int dsmsErrBars;   // bars on delta sM(s)
+extern int smsErrFill;    // band around experimental sM(s)
+extern int dsmsErrFill;   // band around delta sM(s)
+extern int dsmslErrFill;  // band around the zero line of delta sM(s)
+
+// True if any of the five is on: the deviation column is then no series of its own.
+bool deviations_shown();
+
+// Reads the command line into the settings and returns the name of the input file, which is the
+// caller's for the rest of the run. All errors are reported, then the run ends with status 1;
+// no argument at all prints the usage line and ends it with status 0.
+const char* parse_command_line(int argc, char** argv);
+
+// Prints the settings on standard output.
+void echo_settings();
+
+// ---- Selection lists (selection.cpp) -----------------------------------------------------------
+
+// Applies a comma-separated list of kind words to a mask, from left to right. 0, or 1 after
+// "Unknown data type: %s\n" on standard output; words before the unknown one stay applied.
+int parse_data_string(const char* str, unsigned int* Data);
+
+// Parses a comma-separated list of N-M items into a count and two new arrays, the caller's.
+// 0; 1 for an empty string, which touches nothing; 2 for a bad item, with those before it kept.
+// Arrays that the outputs pointed to before are not released.
+int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** ParNum2);
+
+// Parses one N-M item, decimal, octal (0...) or hexadecimal (0x...). 0, or 1 after
+// "Incorrect indication of intensity set: '%s'\n" on standard output with the outputs untouched.
+int parse_int_curve(const char* str, int* ParNum1, int* ParNum2);
+
+// 1 if the whole string is one integer that strtol reads in base 0, else 0.
+int if_integer(const char* str);
+
+// The value of such a string: the low 32 bits of what strtol makes of it.
+int integer_value(const char* str);
+
+// 1 if the string is white space only or nothing, else 0.
+int is_empty(const char* s);
+
+// ---- Plot groups (groups.cpp) ------------------------------------------------------------------
+// Written once, between reading and plotting. Group numbers count from 1; 0 is in no group.
+
+extern int ColErrIdx[MAX_COLS];     // plot column of the deviations of an sM(s) plot column, or 0
+extern int ColPlotGroup[MAX_COLS];  // column group of plot columns 1 .. NcolsToPlot-1
+extern int ColGroupsToPlot;
+extern int CurveGroupsToPlot;
+
+void link_deviations();
+void group_columns();
+void group_curves();
+
+// Ends the run with status 1 if a data set has no rows, after a line for each of them on standard
+// output.
+void refuse_empty_curves();
+
+// True if the plots do not fit into one panel.
+bool several_panels();
+
+// ---- The gnuplot process (gnuplot.cpp) ---------------------------------------------------------
+// In this order: start, then whatever is written to f, image_commands if one is wanted, close.
+
+extern FILE* f;  // the pipe to gnuplot; null when none is running
+
+// Starts "gnuplot -persist". If that fails the run ends with status 1 and
+// "Cannot connect to gnuplot pipe: %s\n" on standard output.
+void gnuplot_start();
+
+// Sends the commands that repeat the plot into the image file; number is put in front of the
+// file's name ("1_") unless it is 0. The inline data must follow.
+void gnuplot_image_commands(int number);
+
+// Waits for gnuplot to end. A status other than 0 is reported on standard error, no more.
+void gnuplot_close();
+
+// ---- What a run says and how it ends (console.cpp) ---------------------------------------------
+
+// To be called first: gives closed standard streams a harmless file, keeps a broken pipe or a file
+// size limit from killing the run, and sees to it that standard output is complete at the end.
+void prepare_process();
+
+// Standard output, formatted. A write that fails is reported when the run ends.
+void say(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// Puts all that was said so far where the next writer's text comes after it.
+void flush_output();
+
+// Standard error, formatted, after all that was said before.
+void complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// One message on standard output or standard error, then the end of the run with status 1. What
+// was written to gnuplot so far is sent, and gnuplot is not waited for.
+[[noreturn]] void fail(FILE* stream, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
+
+// The block, resized; ends the run with "Cannot allocate memory\n" if there is no memory.
+void* resize_block(void* block, std::size_t count, std::size_t size);
+
+// The array, grown or shrunk to count elements; new ones are not initialised.
+template <class element_t>
+element_t* resized(element_t* array, std::size_t count) {
+    return static_cast<element_t*>(resize_block(array, count, sizeof(element_t)));
+}
