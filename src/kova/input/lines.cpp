@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "input/input.h"
+
+static const char* Name = nullptr;  // of the open file, for messages
+static int Descriptor = -1;         // of the open file, -1 for none
+static char Block[1 << 16];         // what was read of it last ...
+static std::size_t BlockSize = 0;   // ... how much that was ...
+static std::size_t BlockPos = 0;    // ... and where the next line begins in it
+
+// Reads the next block: how much it is, 0 at the end of the file, -1 after an error.
+static ssize_t read_block() {
+    ssize_t size;
+    do {
+        size = read(Descriptor, Block, sizeof Block);
+    } while (size == -1 && errno == EINTR);
+    BlockPos = 0;
+    BlockSize = size > 0 ? static_cast<std::size_t>(size) : 0;
+    return size;
+}
+
+void open_input(const char* inpFname) {
+    Name = inpFname;
+    Descriptor = open(inpFname, O_RDONLY | O_CLOEXEC);
+    // A directory can be opened, but not read: its first block tells.
+    if (Descriptor == -1 || read_block() == -1)
+        fail(stderr, "Cannot open file '%s'\n", inpFname);
+}
+
+// True if there is something in the block to take.
+static bool has_more() {
+    if (BlockPos < BlockSize)
+        return true;
+    const ssize_t size = read_block();
+    if (size == -1)
+        fail(stderr, "Cannot read file '%s': %s\n", Name, std::strerror(errno));
+    return size > 0;
+}
+
+bool read_line(char (&line)[LINE_SIZE]) {
+    std::size_t length = 0;
+    bool at_end = false;
+    for (bool complete = false; !complete && length < LINE_SIZE - 1;) {
+        at_end = !has_more();
+        if (at_end)
+            break;
+        const char* start = Block + BlockPos;
+        std::size_t size = std::min(LINE_SIZE - 1 - length, BlockSize - BlockPos);
+        const void* newline = std::memchr(start, '\n', size);
+        complete = newline != nullptr;
+        if (complete)
+            size = static_cast<std::size_t>(static_cast<const char*>(newline) - start) + 1;
+        std::memcpy(line + length, start, size);
+        length += size;
+        BlockPos += size;
+    }
+    line[length] = '\0';
+    return at_end;
+}
+
+void close_input() {
+    close(Descriptor);
+    Descriptor = -1;
+}
