@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+//
+// Plotting: what gnuplot is sent for each plot, and how the curves of the first one are stacked.
+//
+// A plot is one pair of a curve group and a column group. Its curves are the data sets k with
+// CurvePlotGroup[k] equal to the curve group, its columns the plot columns l >= 1 with
+// ColPlotGroup[l] equal to the column group, both in ascending order.
+#pragma once
+
+#include <cstdint>
+
+#include "run/run.h"
+
+// ---- The frame (data_plot.cpp) -----------------------------------------------------------------
+
+// The single plot that data_plot draws when MultiPlot is 0, groups from 1; the driver sets it.
+extern int CurCurvesGroupToPlot, CurDataGroupToPlot;
+
+// Writes the plots to gnuplot: with give_commands their settings, plot command and data, without
+// it the data only, as gnuplot expects it after "replot". Returns 0.
+int data_plot(int give_commands);
+
+// True if the curve, or the column, is part of the plot. Column 0, the abscissa, never is.
+bool curve_is_in(int curve, int curve_group);
+bool column_is_in(int column, int column_group);
+
+// Points of a plot column of a curve: Npts, or 0 for a column that the data set does not have.
+int column_points(int curve, int column);
+
+// ---- The curve buffer (curve_buffer.cpp) -------------------------------------------------------
+// The curves placed so far, each with its shift. Emptied before and after the stacking of a plot.
+
+struct buf_t {
+    std::int32_t n;    // points
+    std::int32_t khi;  // the points that bracketed the abscissa looked up last:
+    std::int32_t klo;  // khi is klo + 1 after the first look-up
+    double* x;         // abscissae, assumed to rise
+    double* y;         // ordinates, shift included
+};
+
+extern buf_t* buf;  // in the order of adding; null when empty
+extern std::int32_t Nbuf;
+
+void buf_initialize();  // empties the buffer
+
+// Adds a copy of the curve, moved by shift. No memory ends the run with status 1 and
+// "Cannot allocate memory for buffer!\n" on standard error.
+void buf_add(int n, const double* data_x, const double* data_y, double shift);
+
+// The lowest and the highest value of the buffered curves at x, by linear interpolation. Returns
+// how many curves cover x; with none, ymin is 1e99 and ymax -1e99. A look-up between two points
+// of equal abscissa ends the run with status 1 and "linear interpolation: step error." on
+// standard error.
+int buf_y_min_max(double x, double* ymin, double* ymax);
+
+// The shift that makes the curve touch the upper (direction > 0) or lower (< 0) envelope of the
+// buffer from outside, judged at the curve's own points; 0 if the two do not meet. Also gives the
+// curve's own extent. Prints a trace line.
+double buf_calc_shift(int n, const double* data_x, const double* data_y, double* data_min,
+                      double* data_max, double direction);
+
+// ---- Shifts (shifts.cpp) -----------------------------------------------------------------------
+
+extern int AutoShiftsReady;  // flag: the shifts of this run are final; set by calc_shifts
+
+// Computes CurveShift for the curves of a plot and tells about it on standard output.
+void calc_shifts(int curve_group, int column_group);
+
+// ---- Settings (settings.cpp) -------------------------------------------------------------------
+
+// The range of y in the plot written last; set by write_settings.
+extern double YrangeMin, YrangeMax;
+
+// The first and last s of the curves of a group, 1e99 and -1e99 if there are none.
+void abscissa_extent(int curve_group, double* xMin, double* xMax);
+
+// Sends the commands that stand before the plot command; xMin and xMax are the extent above.
+// Prints the x range on standard output.
+void write_settings(int curve_group, int column_group, double xMin, double xMax);
+
+// True if the run makes an image, which has typeset labels and widths of its own.
+bool makes_image();
+
+// ---- Series (series.cpp) -----------------------------------------------------------------------
+
+// Sends the plot command. A kind with a drawing style that is none ends the run with status 1 and
+// "Invalid plotting style %d for data type %d\n" on standard error.
+void write_plot_command(int curve_group, int column_group);
+
+// Sends the data of every series of that command, in the same order.
+void write_data_blocks(int curve_group, int column_group);
