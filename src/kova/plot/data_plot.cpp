@@ -22,8 +22,10 @@ static bool is_drawn(int curve_group, int column_group) {
     return MultiPlot > 0;
 }
 
-// No plot has contents yet.
-static void draw(int, int, int) {}
+static void draw(int curve_group, int column_group, int) {
+    if (AutoShifts && !AutoShiftsReady)
+        calc_shifts(curve_group, column_group);
+}
 
 int data_plot(int give_commands) {
     say("%d Curve groups to plot.\n", CurveGroupsToPlot);
