@@ -22,9 +22,13 @@ static bool is_drawn(int curve_group, int column_group) {
     return MultiPlot > 0;
 }
 
-static void draw(int curve_group, int column_group, int) {
+static void draw(int curve_group, int column_group, int give_commands) {
+    double xMin, xMax;
+    abscissa_extent(curve_group, &xMin, &xMax);
     if (AutoShifts && !AutoShiftsReady)
         calc_shifts(curve_group, column_group);
+    if (give_commands)
+        write_settings(curve_group, column_group, xMin, xMax);
 }
 
 int data_plot(int give_commands) {

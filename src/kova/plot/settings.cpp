@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include <cstring>
+
+#include "input/input.h"
+#include "plot/plot.h"
+
+double YrangeMin = 0.0, YrangeMax = 0.0;
+
+// Each range leaves this part of the data's extent free at both ends.
+static constexpr double MARGIN = 0.05;
+
+bool makes_image() {
+    return MakeImage == IMG_PNG || MakeImage == IMG_EPS || MakeImage == IMG_SVG;
+}
+
+void abscissa_extent(int curve_group, double* xMin, double* xMax) {
+    *xMin = 1e99;
+    *xMax = -1e99;
+    for (int i = 0; i < Ncurves; i++) {
+        if (!curve_is_in(i, curve_group))
+            continue;
+        const double first = Curve[i][0][0];
+        const double last = Curve[i][0][Npts[i] - 1];
+        if (first < *xMin)
+            *xMin = first;
+        if (last > *xMax)
+            *xMax = last;
+    }
+}
+
+static void ordinate_extent(int curve_group, int column_group, double* ymin, double* ymax) {
+    *ymin = 1e99;
+    *ymax = -1e99;
+    for (int i = 0; i < Ncurves; i++) {
+        for (int j = 1; curve_is_in(i, curve_group) && j < NcolsToPlot; j++) {
+            if (!column_is_in(j, column_group))
+                continue;
+            for (int k = 0; k < column_points(i, j); k++) {
+                const double y = Curve[i][j][k] + CurveShift[i][j];
+                if (y > *ymax)
+                    *ymax = y;
+                if (y < *ymin)
+                    *ymin = y;
+            }
+        }
+    }
+}
+
+// Font size of an image: SVG viewers scale the picture down, so it needs larger letters.
+static int font_size() {
+    return MakeImage == IMG_SVG ? wx / 30 : wx / 50;
+}
+
+static void write_fonts_and_xlabel() {
+    if (!makes_image()) {
+        std::fprintf(f, "set xlabel \"s, A^{-1}\"\n");
+        return;
+    }
+    const int size = font_size();
+    std::fprintf(f, "set tics font \"Arial, %d\"\n", size);
+    // The byte \305 is the Angstrom sign in the encoding set above.
+    std::fprintf(f,
+                 "set xlabel \"{/Arial-Italic s}, {/Arial {\305}^{-1}}\" "
+                 "offset char 0, char -1 font \", %d\"\n",
+                 size);
+}
+
+static void write_tics() {
+    std::fprintf(f, "set format y \"\"\n");
+    std::fprintf(f, "set pointsize 0.5\n");
+    if (!PlotX2tics)
+        std::fprintf(f, "set xtics border nomirror\n");
+    if (!PlotY2tics)
+        std::fprintf(f, "set ytics border nomirror\n");
+    if (!PlotXtics)
+        std::fprintf(f, "set xtics scale 0\n");
+    if (!PlotYtics)
+        std::fprintf(f, "set ytics scale 0\n");
+}
+
+static void write_xrange(double xMin, double xMax) {
+    const double lxmin = Gxmin > GX_NOT_GIVEN ? Gxmin : xMin - MARGIN * (xMax - xMin);
+    const double lxmax = Gxmax > GX_NOT_GIVEN ? Gxmax : xMax + MARGIN * (xMax - xMin);
+    say("xmin=%f\nxmax=%f\n", lxmin, lxmax);
+    std::fprintf(f, "set xrange [%f : %f]\n", lxmin, lxmax);
+}
+
+static void write_yrange(int curve_group, int column_group) {
+    double ymin, ymax;
+    ordinate_extent(curve_group, column_group, &ymin, &ymax);
+    YrangeMin = ymin - MARGIN * (ymax - ymin);
+    YrangeMax = ymax + MARGIN * (ymax - ymin);
+    std::fprintf(f, "set yrange [%f : %f]\n", YrangeMin, YrangeMax);
+}
+
+// True if another kind with the same typeset label is named already.
+static bool label_is_used(int r) {
+    for (int m = 0; m < MAX_COLS; m++) {
+        if (m != r && Type[m].user > 0 && std::strcmp(Type[r].name_eps, Type[m].name_eps) == 0)
+            return true;
+    }
+    return false;
+}
+
+// True if row r of Type, the kind of plot column j, is to be named in the y label.
+static bool needs_label(int j, int r, int column_group) {
+    if (PlotColType[j] == P_GINT_SMSS && deviations_shown())
+        return false;  // shown as part of the sM(s) series
+    if (!column_is_in(j, column_group) || Type[r].user)
+        return false;
+    return !makes_image() || !label_is_used(r);
+}
+
+static void write_ylabel(int column_group) {
+    for (data_type_t& kind : Type)
+        kind.user = 0;
+    std::fprintf(f, "set ylabel \"");
+    const char* separator = "";
+    for (int j = 1; j < NcolsToPlot; j++) {
+        const int r = d_idx(PlotColType[j]);
+        if (!needs_label(j, r, column_group))
+            continue;
+        std::fprintf(f, "%s%s", separator, makes_image() ? Type[r].name_eps : Type[r].name_short);
+        separator = ", ";
+        Type[r].user = 1;
+    }
+    std::fprintf(f, "\" ");
+    if (makes_image())
+        std::fprintf(f, "font \"Arial, %d\"", font_size());
+    std::fprintf(f, "\n");
+}
+
+void write_settings(int curve_group, int column_group, double xMin, double xMax) {
+    std::fprintf(f, "set encoding iso_8859_1\n");
+    if (UserTerminal)
+        std::fprintf(f, "set terminal %s\n", UserTerminalName);
+    write_fonts_and_xlabel();
+    write_tics();
+    if (PlotRatio != 0.0)
+        std::fprintf(f, "set size ratio %f\n", PlotRatio);
+    if (PlotGrid)
+        std::fprintf(f, "set grid\n");
+    write_xrange(xMin, xMax);
+    write_yrange(curve_group, column_group);
+    std::fprintf(f, "set style fill transparent solid %4.1f noborder\n", ErrFillAlpha);
+    std::fprintf(f, "set bars 0.5\n");
+    write_ylabel(column_group);
+}
