@@ -27,8 +27,11 @@ static void draw(int curve_group, int column_group, int give_commands) {
     abscissa_extent(curve_group, &xMin, &xMax);
     if (AutoShifts && !AutoShiftsReady)
         calc_shifts(curve_group, column_group);
-    if (give_commands)
+    if (give_commands) {
         write_settings(curve_group, column_group, xMin, xMax);
+        write_plot_command(curve_group, column_group);
+    }
+    write_data_blocks(curve_group, column_group);
 }
 
 int data_plot(int give_commands) {
