@@ -68,6 +68,11 @@ bool read_line(char (&line)[LINE_SIZE]);
 
 void close_input();
 
+// For use instead of close_input after the first line alone has been read: a file is closed, but
+// what can be read only once, such as a pipe, stays open, and the next open_input goes on with it
+// from that line.
+void leave_first_line();
+
 // ---- Version (version.cpp) ---------------------------------------------------------------------
 
 // The table layout by the version in the file's first line: 1 or 2, or 0 if there is none. Prints

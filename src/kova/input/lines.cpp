@@ -9,29 +9,47 @@
 
 #include "input/input.h"
 
-static const char* Name = nullptr;  // of the open file, for messages
-static int Descriptor = -1;         // of the open file, -1 for none
-static char Block[1 << 16];         // what was read of it last ...
-static std::size_t BlockSize = 0;   // ... how much that was ...
-static std::size_t BlockPos = 0;    // ... and where the next line begins in it
+// How much is asked for at a time.
+static constexpr std::size_t CHUNK_SIZE = 1 << 16;
 
-// Reads the next block: how much it is, 0 at the end of the file, -1 after an error.
+static const char* Name = nullptr;          // of the open file, for messages
+static int Descriptor = -1;                 // of the open file, -1 for none
+static bool AtFirstLine = false;            // nothing after it has been read yet
+static char Block[LINE_SIZE + CHUNK_SIZE];  // what was read last ...
+static std::size_t BlockSize = 0;           // ... how much that is ...
+static std::size_t BlockPos = 0;            // ... and where the next line begins in it
+
+// Reads the next block: how much it is, 0 at the end of the file, -1 after an error. The pieces of
+// the first line stay in front of it, so that the line can be read once more.
 static ssize_t read_block() {
+    const std::size_t kept = AtFirstLine ? BlockSize : 0;
     ssize_t size;
     do {
-        size = read(Descriptor, Block, sizeof Block);
+        size = read(Descriptor, Block + kept, CHUNK_SIZE);
     } while (size == -1 && errno == EINTR);
-    BlockPos = 0;
-    BlockSize = size > 0 ? static_cast<std::size_t>(size) : 0;
+    BlockPos = kept;
+    BlockSize = kept + (size > 0 ? static_cast<std::size_t>(size) : 0);
     return size;
 }
 
 void open_input(const char* inpFname) {
+    if (Descriptor != -1)
+        return;  // left open at its first line
     Name = inpFname;
     Descriptor = open(inpFname, O_RDONLY | O_CLOEXEC);
+    AtFirstLine = true;
+    BlockSize = 0;
     // A directory can be opened, but not read: its first block tells.
     if (Descriptor == -1 || read_block() == -1)
         fail(stderr, "Cannot open file '%s'\n", inpFname);
+}
+
+void leave_first_line() {
+    struct stat status;
+    if (fstat(Descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        close_input();
+    else
+        BlockPos = 0;
 }
 
 // True if there is something in the block to take.
@@ -62,6 +80,7 @@ bool read_line(char (&line)[LINE_SIZE]) {
         BlockPos += size;
     }
     line[length] = '\0';
+    AtFirstLine = false;
     return at_end;
 }
 

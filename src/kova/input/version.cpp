@@ -67,7 +67,7 @@ int detect_int_table_version(const char* inpFname) {
     char inpstr[LINE_SIZE];
     open_input(inpFname);
     read_line(inpstr);
-    close_input();
+    leave_first_line();
     const int combined_ver = combined_version(inpstr);
     if (combined_ver == 0)
         return 0;
