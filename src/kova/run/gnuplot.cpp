@@ -1,19 +1,97 @@
 // SPDX-License-Identifier: MIT
 //
 // The life of a gnuplot process. A run has at most one at a time.
+//
+// gnuplot keeps inline data since version 4.4, so the second copy that follows "replot" for older
+// versions is taken for commands. For every row of it, and for every "e", gnuplot complains:
+//
+//     (empty line)
+//     gnuplot> 1.000000 2.000000
+//              ^
+//              line 8: invalid command
+//     (empty line)
+//
+// On a page of several panels gnuplot 6 warns about every row that it reads, and draws it. Nobody
+// wants to see either, but everybody wants to see what else gnuplot has to say. So where such
+// complaints are to be expected, its standard error is collected while it runs and passed on
+// without them once it has ended.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "run/run.h"
 
 FILE* f = nullptr;
 
+// The collected standard error of the running gnuplot; null when it has ours.
+static FILE* Complaints = nullptr;
+
+// True if the running gnuplot was kept from opening a window.
+static bool WithoutDisplay = false;
+
+// ---- Start -------------------------------------------------------------------------------------
+
+static bool is_set(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+// gnuplot with a terminal for windows gives up at once where there is no display. It need not open
+// one on the way to an image.
+static bool needs_no_display() {
+    return image_is_written() && !UserTerminal && !is_set("DISPLAY") &&
+           !is_set("WAYLAND_DISPLAY") && !is_set("GNUTERM");
+}
+
+static FILE* start_process() {
+    if (!WithoutDisplay)
+        return popen("gnuplot -persist", "w");
+    const bool was_empty = std::getenv("GNUTERM") != nullptr;
+    setenv("GNUTERM", "unknown", 1);
+    FILE* pipe = popen("gnuplot -persist", "w");
+    const int error = errno;
+    if (was_empty)
+        setenv("GNUTERM", "", 1);
+    else
+        unsetenv("GNUTERM");
+    errno = error;
+    return pipe;
+}
+
+// Gives the process a file for its standard error. Without room for one it has ours after all.
+static FILE* start_collected() {
+    Complaints = std::tmpfile();
+    if (Complaints == nullptr)
+        return start_process();
+    const int file = fileno(Complaints);
+    const int own = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (own == -1 || fcntl(file, F_SETFD, FD_CLOEXEC) == -1) {
+        std::fclose(Complaints);
+        Complaints = nullptr;
+        return start_process();
+    }
+    dup2(file, STDERR_FILENO);
+    FILE* pipe = start_process();
+    const int error = errno;
+    dup2(own, STDERR_FILENO);
+    close(own);
+    errno = error;
+    return pipe;
+}
+
 void gnuplot_start() {
     flush_output();  // gnuplot may write to the same standard output
-    f = popen("gnuplot -persist", "w");
+    WithoutDisplay = needs_no_display();
+    f = image_is_written() || page_has_panels() ? start_collected() : start_process();
     if (f == nullptr)
         fail(stdout, "Cannot connect to gnuplot pipe: %s\n", std::strerror(errno));
 }
+
+// ---- Image -------------------------------------------------------------------------------------
 
 static void set_image_terminal() {
     switch (MakeImage) {
@@ -37,9 +115,145 @@ void gnuplot_image_commands(int number) {
     std::fprintf(f, "replot\n");
 }
 
+// ---- Complaints --------------------------------------------------------------------------------
+
+static constexpr int BLOCK_LINES = 5;
+
+struct text_line_t {
+    char* text;        // without its newline
+    std::size_t room;  // of the allocation
+    std::size_t length;
+    bool has_newline;  // which the last line may lack
+};
+
+// Steps over one number as "%f" writes it. Null if there is none.
+static const char* after_number(const char* text) {
+    text += *text == '-';
+    if (std::strncmp(text, "inf", 3) == 0 || std::strncmp(text, "nan", 3) == 0)
+        return text + 3;
+    const std::size_t whole = std::strspn(text, "0123456789");
+    if (whole == 0 || text[whole] != '.')
+        return nullptr;
+    text += whole + 1;
+    return std::strspn(text, "0123456789") == 6 ? text + 6 : nullptr;
+}
+
+// True for a row of two or three numbers, and for the end of a block of them.
+static bool is_data_line(const char* text) {
+    if (std::strcmp(text, "e") == 0)
+        return true;
+    for (int numbers = 1; (text = after_number(text)) != nullptr; numbers++) {
+        if (*text == '\0')
+            return numbers == 2 || numbers == 3;
+        if (*text++ != ' ')
+            return false;
+    }
+    return false;
+}
+
+// Steps over the place that gnuplot names below its prompt, "         line 8: ". Null if there is
+// none.
+static const char* after_place(const char* text) {
+    text += std::strspn(text, " ");
+    if (std::strncmp(text, "line ", 5) != 0)
+        return nullptr;
+    text += 5;
+    const std::size_t digits = std::strspn(text, "0123456789");
+    text += digits;
+    return digits > 0 && std::strncmp(text, ": ", 2) == 0 ? text + 2 : nullptr;
+}
+
+static bool says(const char* text, const char* message) {
+    return text != nullptr && std::strcmp(text, message) == 0;
+}
+
+// True if the text can stand as that line, from 0, of the block of a complaint about our data.
+static bool fits_block(int rank, const char* text) {
+    static constexpr char PROMPT[] = "gnuplot> ";
+    switch (rank) {
+        case 1:
+            return std::strncmp(text, PROMPT, sizeof PROMPT - 1) == 0 &&
+                   is_data_line(text + sizeof PROMPT - 1);
+        case 2:
+            return says(text + std::strspn(text, " "), "^");
+        case 3:
+            return says(after_place(text), "invalid command");
+        default:
+            return *text == '\0';
+    }
+}
+
+static bool is_warning(const char* text) {
+    if (WithoutDisplay &&
+        (says(text, "WARNING: Plotting with an 'unknown' terminal.") ||
+         says(text, "No output will be generated. Please select a terminal with 'set terminal'.")))
+        return true;
+    return says(after_place(text),
+                "warning: Reading from '-' inside a multiplot not supported; "
+                "use a datablock instead");
+}
+
+static bool next_line(text_line_t* line) {
+    const ssize_t length = getline(&line->text, &line->room, Complaints);
+    if (length <= 0)
+        return false;
+    line->length = static_cast<std::size_t>(length);
+    line->has_newline = line->text[length - 1] == '\n';
+    if (line->has_newline)
+        line->text[--line->length] = '\0';
+    return true;
+}
+
+static void pass_on(const text_line_t& line) {
+    std::fwrite(line.text, 1, line.length, stderr);
+    if (line.has_newline)
+        std::fputc('\n', stderr);
+}
+
+// A text with a NUL byte is none of those that are looked for, however it begins.
+static bool is_block_line(int rank, const text_line_t& line) {
+    return std::strlen(line.text) == line.length && fits_block(rank, line.text);
+}
+
+// Passes on what is left of the collected text. Lines wait until it is clear whether they are a
+// block of a complaint. One that is cut short before its message is no complaint, as far as it
+// goes; one that lacks only its closing line is.
+static void pass_on_collected() {
+    text_line_t waiting[BLOCK_LINES] = {};
+    int count = 0;
+    while (next_line(&waiting[count])) {
+        if (is_block_line(count, waiting[count])) {
+            count = (count + 1) % BLOCK_LINES;
+            continue;
+        }
+        for (int i = 0; i < count; i++)
+            pass_on(waiting[i]);
+        std::swap(waiting[0], waiting[count]);
+        count = 0;
+        if (is_block_line(0, waiting[0]))
+            count = 1;
+        else if (!is_warning(waiting[0].text))
+            pass_on(waiting[0]);
+    }
+    const bool is_complaint = count == BLOCK_LINES - 1;
+    for (int i = 0; i < count && !is_complaint; i++)
+        pass_on(waiting[i]);
+    for (text_line_t& line : waiting)
+        std::free(line.text);
+}
+
+// ---- End ---------------------------------------------------------------------------------------
+
 void gnuplot_close() {
     flush_output();
-    if (pclose(f) != 0)
-        complain("Unable to close GnuPlot pipe.\n");
+    const int status = pclose(f);
     f = nullptr;
+    if (Complaints != nullptr) {
+        std::rewind(Complaints);
+        pass_on_collected();
+        std::fclose(Complaints);
+        Complaints = nullptr;
+    }
+    if (status != 0)
+        complain("Unable to close GnuPlot pipe.\n");
 }

@@ -65,6 +65,10 @@ void refuse_empty_curves() {
         std::exit(EXIT_FAILURE);
 }
 
-bool several_panels() {
-    return CurveGroupsToPlot > 1 || ColGroupsToPlot > 1;
+bool page_has_panels() {
+    return MultiPlot && (CurveGroupsToPlot > 1 || ColGroupsToPlot > 1);
+}
+
+bool image_is_written() {
+    return MakeImage && !page_has_panels();
 }

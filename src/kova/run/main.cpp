@@ -12,19 +12,18 @@ static void read_tables(const char* inpFname) {
         parse_kova_int_tables_ver1(inpFname);
 }
 
-// One gnuplot with all plots on one page. A page of several panels cannot be replotted into an
-// image, so that only a single plot gets one.
+// One gnuplot with all plots on one page.
 static void plot_page() {
     gnuplot_start();
-    if (several_panels())
+    if (page_has_panels())
         std::fprintf(f, "set multiplot layout %d, %d title \"KOVA GED curves\"\n",
                      CurveGroupsToPlot, ColGroupsToPlot);
     data_plot(1);
-    if (MakeImage && !several_panels()) {
+    if (image_is_written()) {
         gnuplot_image_commands(0);
         data_plot(0);
     }
-    if (several_panels())
+    if (page_has_panels())
         std::fprintf(f, "unset multiplot\n");
     gnuplot_close();
 }
@@ -35,7 +34,7 @@ static void plot_single(int curve_group, int column_group, int number) {
     CurCurvesGroupToPlot = curve_group;
     CurDataGroupToPlot = column_group;
     data_plot(1);
-    if (MakeImage) {
+    if (image_is_written()) {
         gnuplot_image_commands(number);
         data_plot(0);
     }

@@ -164,8 +164,12 @@ void group_curves();
 // output.
 void refuse_empty_curves();
 
-// True if the plots do not fit into one panel.
-bool several_panels();
+// True if several plots share one page.
+bool page_has_panels();
+
+// True if the run writes an image: it is asked for, and a page with panels gets none, because
+// gnuplot cannot replot it.
+bool image_is_written();
 
 // ---- The gnuplot process (gnuplot.cpp) ---------------------------------------------------------
 // In this order: start, then whatever is written to f, image_commands if one is wanted, close.
@@ -180,7 +184,9 @@ void gnuplot_start();
 // file's name ("1_") unless it is 0. The inline data must follow.
 void gnuplot_image_commands(int number);
 
-// Waits for gnuplot to end. A status other than 0 is reported on standard error, no more.
+// Waits for gnuplot to end and passes on what it had to say, but for its complaints about inline
+// data that it is sent twice or on a page with panels. A status other than 0 is reported on
+// standard error, no more.
 void gnuplot_close();
 
 // ---- What a run says and how it ends (console.cpp) ---------------------------------------------
