@@ -1,0 +1,108 @@
+# SPDX-License-Identifier: MIT
+"""gravlex(1) says all that there is to say about the program, and nothing else."""
+import os
+import re
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import manual
+import program
+from manual import BEGIN, END, plain
+
+PATH = program.ROOT / "man/gravlex.1"
+PAGE = manual.read(PATH)
+STREAMS = {"stdout": "Standard output.", "stderr": "Standard error."}
+
+
+def option_heads():
+    """Spellings and argument label of each item of OPTIONS, with its text."""
+    for heads, body in PAGE.items_of("OPTIONS"):
+        for head in heads:
+            match = re.fullmatch(r"(?:(-\S), )?(--[\w-]+)(?:=(\w+))?", plain(head))
+            yield (match[2], match[1], match[3]), body
+
+
+def matches(message, head):
+    """Whether a head shows the message; blanks are compared with the arguments shown by a word."""
+    wanted = re.sub("%[a-z]", f"{BEGIN}x{END}", message)
+    shown = re.sub(f"{BEGIN}[^{END}]+{END}", f"{BEGIN}x{END}", head)
+    return " ".join(wanted.split()) == " ".join(shown.split())
+
+
+class Manual(unittest.TestCase):
+    def test_lint(self):
+        self.assertEqual(manual.lint(PATH), [])
+
+    def test_options(self):
+        table = {(f"--{o.name}", f"-{o.short}" if o.short else None, o.label)
+                 for o in program.options()}
+        described = {head for head, _ in option_heads()}
+        self.assertEqual(described, table)
+        self.assertEqual(described, program.help_options())
+
+    def test_defaults(self):
+        bodies = {head[0]: body for head, body in option_heads()}
+        for option in program.options():
+            body = bodies[f"--{option.name}"]
+            if option.name in ("version", "help", "usage", "data", "curves", "xmin", "xmax"):
+                continue
+            self.assertRegex(body, "Default: ", option.name)
+            # Style and point type have theirs in the table of kinds.
+            if option.default() is not None and not option.name.endswith("_sms"):
+                number = re.search(r"Default: ([\d.]*\d)", body)
+                self.assertEqual(float(number[1]), option.default(), option.name)
+
+    def test_kind_words(self):
+        rows = {cells[0]: tuple(cells[1:3]) for section, cells in PAGE.rows
+                if section == "DATA KINDS" and cells[0] not in ("Word", "none")}
+        self.assertEqual(rows, program.kind_words())
+        heads = [plain(head) for heads, _ in PAGE.items_of("DATA KINDS") for head in heads]
+        self.assertEqual(heads, ["word", "!word", "all"])
+
+    def test_messages(self):
+        items = PAGE.items_of("DIAGNOSTICS")
+        for message, stream in sorted(program.messages()):
+            bodies = [body for heads, body in items for head in heads if matches(message, head)]
+            self.assertTrue(bodies, f"not in DIAGNOSTICS: {message}")
+            self.assertTrue(any(body.startswith(STREAMS[stream]) for body in bodies),
+                            f"not said to be on {stream}: {message}")
+
+    def test_no_other_messages(self):
+        for heads, body in PAGE.items_of("DIAGNOSTICS"):
+            if not body.startswith("Standard "):
+                continue  # a message of the shell or of gnuplot
+            for head in heads:
+                self.assertTrue(any(matches(message, head) for message, _ in program.messages()),
+                                f"no longer a message: {plain(head)}")
+
+    def test_examples(self):
+        """Every example runs as it stands, with a gnuplot that only listens."""
+        commands = [plain(head) for heads, _ in PAGE.items_of("EXAMPLES") for head in heads]
+        self.assertGreater(len(commands), 5)
+        for command in commands:
+            with self.subTest(command), tempfile.TemporaryDirectory() as folder:
+                run_example(self, command, Path(folder))
+
+
+def run_example(test, command, folder):
+    listener = folder / "gnuplot"
+    listener.write_text('#!/bin/sh\ncat >>"$HEARD"\n')
+    listener.chmod(0o755)
+    (folder / "gravlex").symlink_to(program.PROGRAM)
+    inputs = folder / "inputs"
+    inputs.mkdir()
+    for path in program.EXAMPLES.glob("*.out"):
+        (inputs / path.name).symlink_to(path)
+    environment = os.environ | {"PATH": f"{folder}:{os.environ['PATH']}",
+                                "HEARD": str(folder / "heard")}
+    run = subprocess.run(["sh", "-c", command], cwd=inputs, env=environment, text=True,
+                         capture_output=True)
+    test.assertEqual((run.returncode, run.stderr), (0, ""), run.stdout)
+    heard = (folder / "heard").read_text(encoding="latin-1")
+    test.assertRegex(heard, r"(?m)^plot  '-'")
+
+
+if __name__ == "__main__":
+    unittest.main()
