@@ -1,0 +1,174 @@
+# SPDX-License-Identifier: MIT
+"""Runs gravlex with the real gnuplot, without a display or with one that only the test sees."""
+
+import contextlib
+import os
+import pathlib
+import re
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import traceback
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not under a checker on a busy machine
+PATIENCE = 60  # seconds until a window must have appeared
+# Settings of the tools that watch the program; of the user's own none that gnuplot looks at.
+KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
+TOOLS = {"gnuplot": "gnuplot-x11", "Xvfb": "xvfb", "setpriv": "util-linux", "gs": "ghostscript",
+         "xwininfo": "x11-utils", "import": "imagemagick", "stream": "imagemagick"}
+
+
+class Failure(Exception):
+    """What is wrong, in words for the reader."""
+
+
+def expect(condition, text):
+    if not condition:
+        raise Failure(text)
+
+
+def require_tools():
+    missing = [f"{tool} ({package})" for tool, package in TOOLS.items() if not shutil.which(tool)]
+    if missing:
+        sys.exit("missing: " + ", ".join(missing))
+
+
+@contextlib.contextmanager
+def work_folder():
+    """A folder to draw in, where the samples are found as in the root of the project."""
+    with tempfile.TemporaryDirectory(prefix="gravlex-pictures-") as name:
+        folder = pathlib.Path(name)
+        (folder / "examples").symlink_to(ROOT / "examples")
+        yield folder
+
+
+def environment(program, folder, display):
+    env = {name: value for name, value in os.environ.items() if KEPT.fullmatch(name)}
+    env["PATH"] = f"{program.parent}:{env['PATH']}"
+    env.update(LC_ALL="C.UTF-8", HOME=str(folder))
+    if display:
+        env["DISPLAY"] = display["name"]
+    return env
+
+
+def run(program, command, folder, display=None):
+    """Runs a list of words, or a line for the shell. Returns (status, standard output, error).
+
+    The output goes to files: a window that stays open keeps a pipe open as well.
+    """
+    with open(folder / "stdout", "w+b") as out, open(folder / "stderr", "w+b") as err:
+        process = subprocess.Popen(command, shell=isinstance(command, str), cwd=folder,
+                                   env=environment(program, folder, display),
+                                   stdin=subprocess.DEVNULL, stdout=out, stderr=err,
+                                   start_new_session=True)
+        if display:
+            display["groups"].append(process.pid)
+        try:
+            status = process.wait(TIME_LIMIT)
+        finally:
+            if process.poll() is None:
+                os.killpg(process.pid, signal.SIGKILL)
+        out.seek(0)
+        err.seek(0)
+        return status, out.read().decode("latin-1"), err.read().decode("latin-1")
+
+
+def is_quiet(stderr):
+    """Whether nothing was said but the line that comes with every image."""
+    return set(stderr.splitlines()) <= {"Unable to close GnuPlot pipe."}
+
+
+def draw(program, arguments, folder, display=None):
+    """Runs gravlex, which must end well and without complaints. Returns its standard output."""
+    status, out, err = run(program, [str(program), *arguments.split()], folder, display)
+    expect(status == 0, f"gravlex {arguments}: status {status}, {err}")
+    expect(is_quiet(err), f"gravlex {arguments}: said {err}")
+    return out
+
+
+@contextlib.contextmanager
+def x_display():
+    """A display of our own. All that was started on it is ended with it."""
+    display = {"groups": []}
+    reader, writer = os.pipe()
+    # The kernel ends the server, and so its clients, if this process is killed.
+    server = subprocess.Popen(
+        ["setpriv", "--pdeathsig", "KILL", "Xvfb", "-displayfd", str(writer),
+         "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
+        pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(writer)
+    try:
+        with os.fdopen(reader) as pipe:
+            expect(select.select([pipe], [], [], PATIENCE)[0], "Xvfb does not start")
+            number = pipe.readline().strip()
+        expect(number, "Xvfb does not start")
+        display["name"] = ":" + number
+        yield display
+    finally:
+        server.terminate()
+        server.wait(TIME_LIMIT)
+        for group in display["groups"]:
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(group, signal.SIGKILL)
+
+
+def ask(display, *words):
+    env = dict(os.environ, DISPLAY=display["name"], LC_ALL="C")
+    return subprocess.run(words, env=env, timeout=TIME_LIMIT, text=True,
+                          capture_output=True, check=False)
+
+
+def windows(display):
+    """The ids of the visible windows in which gnuplot draws."""
+    tree = ask(display, "xwininfo", "-root", "-tree").stdout
+    found = re.findall(r'(0x[0-9a-f]+) "Gnuplot[^"]*"', tree)
+    return [window for window in found
+            if "IsViewable" in ask(display, "xwininfo", "-id", window).stdout]
+
+
+def wait_for_windows(display, count):
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        found = windows(display)
+        if len(found) >= count:
+            return found
+        time.sleep(0.2)
+    raise Failure(f"{len(windows(display))} windows after {PATIENCE} seconds instead of {count}")
+
+
+def screenshot(display, window, image):
+    """Writes what the window shows into an image, once it has finished drawing."""
+    before = None
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        shot = ask(display, "import", "-window", window, f"png:{image}")
+        expect(shot.returncode == 0, f"no screenshot: {shot.stderr}")
+        now = image.read_bytes()
+        # A window comes up empty, and so small as a file.
+        if now == before and len(now) > 10000:
+            return
+        before = now
+        time.sleep(0.5)
+    raise Failure(f"the window shows nothing, or goes on changing, after {PATIENCE} seconds")
+
+
+def run_tests(tests, *arguments):
+    """Runs the functions one by one, says how each went, and ends the program."""
+    require_tools()
+    failed = 0
+    for test in tests:
+        try:
+            test(*arguments)
+            print(f"ok    {test.__name__}", flush=True)
+        except Exception as error:
+            failed += 1
+            print(f"FAIL  {test.__name__}: {error}", flush=True)
+            if not isinstance(error, Failure):
+                traceback.print_exc()
+    print(f"{len(tests) - failed} passed, {failed} failed")
+    sys.exit(failed > 0 or not tests)
