@@ -55,6 +55,8 @@ void prepare_process() {
     action.sa_flags = SA_RESTART;
     sigaction(SIGPIPE, &action, nullptr);
     sigaction(SIGXFSZ, &action, nullptr);
+    // Ignored children, as some programs leave them to theirs, could not be waited for.
+    std::signal(SIGCHLD, SIG_DFL);
     std::atexit(close_output);
 }
 

@@ -21,7 +21,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
 
 #include "run/run.h"
 
@@ -48,11 +47,15 @@ static bool needs_no_display() {
 }
 
 static FILE* start_process() {
-    if (!WithoutDisplay)
-        return popen("gnuplot -persist", "w");
+    return popen("gnuplot -persist", "w");
+}
+
+// Starts the process with GNUTERM=unknown in its environment; ours is as before afterwards.
+static FILE* start_without_display(FILE* (*start)()) {
     const bool was_empty = std::getenv("GNUTERM") != nullptr;
-    setenv("GNUTERM", "unknown", 1);
-    FILE* pipe = popen("gnuplot -persist", "w");
+    if (setenv("GNUTERM", "unknown", 1) != 0)
+        fail(stderr, "Cannot allocate memory\n");
+    FILE* pipe = start();
     const int error = errno;
     if (was_empty)
         setenv("GNUTERM", "", 1);
@@ -62,7 +65,8 @@ static FILE* start_process() {
     return pipe;
 }
 
-// Gives the process a file for its standard error. Without room for one it has ours after all.
+// Starts the process with a file for its standard error. Where there is none to be had, it has
+// ours after all.
 static FILE* start_collected() {
     Complaints = std::tmpfile();
     if (Complaints == nullptr)
@@ -85,8 +89,10 @@ static FILE* start_collected() {
 
 void gnuplot_start() {
     flush_output();  // gnuplot may write to the same standard output
+    const bool collected = image_is_written() || page_has_panels();
+    FILE* (*start)() = collected ? start_collected : start_process;
     WithoutDisplay = needs_no_display();
-    f = image_is_written() || page_has_panels() ? start_collected() : start_process();
+    f = WithoutDisplay ? start_without_display(start) : start();
     if (f == nullptr)
         fail(stdout, "Cannot connect to gnuplot pipe: %s\n", std::strerror(errno));
 }
@@ -119,10 +125,11 @@ void gnuplot_image_commands(int number) {
 
 static constexpr int BLOCK_LINES = 5;
 
+// A line of the collected text, or a piece of one that is longer than any line of a block.
 struct text_line_t {
-    char* text;        // without its newline
-    std::size_t room;  // of the allocation
+    char text[1024];  // NUL-terminated, without its newline
     std::size_t length;
+    bool is_piece;     // not the beginning of its line
     bool has_newline;  // which the last line may lack
 };
 
@@ -193,15 +200,21 @@ static bool is_warning(const char* text) {
                 "use a datablock instead");
 }
 
-static bool next_line(text_line_t* line) {
-    const ssize_t length = getline(&line->text, &line->room, Complaints);
-    if (length <= 0)
-        return false;
-    line->length = static_cast<std::size_t>(length);
-    line->has_newline = line->text[length - 1] == '\n';
-    if (line->has_newline)
-        line->text[--line->length] = '\0';
-    return true;
+// Reads the line after the one read last. False at the end of the text.
+static bool next_line(text_line_t* line, bool is_piece) {
+    std::size_t length = 0;
+    int c = 0;
+    while (length < sizeof line->text - 1 && c != '\n' && (c = std::getc(Complaints)) != EOF) {
+        if (c != '\n')
+            line->text[length++] = static_cast<char>(c);
+    }
+    line->text[length] = '\0';
+    line->length = length;
+    line->is_piece = is_piece;
+    line->has_newline = c == '\n';
+    if (std::ferror(Complaints))
+        fail(stderr, "Cannot read the messages of gnuplot: %s\n", std::strerror(errno));
+    return length > 0 || line->has_newline;
 }
 
 static void pass_on(const text_line_t& line) {
@@ -210,36 +223,39 @@ static void pass_on(const text_line_t& line) {
         std::fputc('\n', stderr);
 }
 
-// A text with a NUL byte is none of those that are looked for, however it begins.
-static bool is_block_line(int rank, const text_line_t& line) {
-    return std::strlen(line.text) == line.length && fits_block(rank, line.text);
+// True if nothing but the text makes up the line: no NUL byte hides a part of it.
+static bool is_whole(const text_line_t& line) {
+    return !line.is_piece && std::strlen(line.text) == line.length;
 }
 
 // Passes on what is left of the collected text. Lines wait until it is clear whether they are a
 // block of a complaint. One that is cut short before its message is no complaint, as far as it
 // goes; one that lacks only its closing line is.
 static void pass_on_collected() {
-    text_line_t waiting[BLOCK_LINES] = {};
+    static text_line_t waiting[BLOCK_LINES];
     int count = 0;
-    while (next_line(&waiting[count])) {
-        if (is_block_line(count, waiting[count])) {
+    bool is_piece = false;
+    while (next_line(&waiting[count], is_piece)) {
+        const text_line_t& line = waiting[count];
+        is_piece = !line.has_newline;
+        if (is_whole(line) && fits_block(count, line.text)) {
             count = (count + 1) % BLOCK_LINES;
             continue;
         }
         for (int i = 0; i < count; i++)
             pass_on(waiting[i]);
-        std::swap(waiting[0], waiting[count]);
-        count = 0;
-        if (is_block_line(0, waiting[0]))
+        if (is_whole(line) && fits_block(0, line.text)) {
+            waiting[0] = line;
             count = 1;
-        else if (!is_warning(waiting[0].text))
-            pass_on(waiting[0]);
+        } else {
+            if (!is_whole(line) || !is_warning(line.text))
+                pass_on(line);
+            count = 0;
+        }
     }
     const bool is_complaint = count == BLOCK_LINES - 1;
     for (int i = 0; i < count && !is_complaint; i++)
         pass_on(waiting[i]);
-    for (text_line_t& line : waiting)
-        std::free(line.text);
 }
 
 // ---- End ---------------------------------------------------------------------------------------
