@@ -1,0 +1,93 @@
+# SPDX-License-Identifier: MIT
+"""What every completion has to offer."""
+import re
+import tempfile
+import unittest
+from pathlib import Path
+
+import program
+
+STYLES = {str(number) for number in range(1, 5)}
+POINTS = {str(number) for number in range(16)}
+KINDS = {word: name for word, (name, _) in program.kind_words().items()}
+WORDS = KINDS | {"all": "Every kind but lint and lbgl"}
+REMOVALS = {f"!{word}": f"Not: {name}" for word, name in KINDS.items()}
+
+
+def option_texts():
+    """Every spelling of every option with its help text; the list of kinds in it is for --help."""
+    return {spelling: re.sub(r" \(int,.*\)", "", option.text)
+            for option in program.options() for spelling in option.spellings}
+
+
+def without(words, *names):
+    return {word: text for word, text in words.items() if word not in names}
+
+
+class Completion(unittest.TestCase):
+    """The checks. A test of a shell defines offers(line), the words that can take the place of the
+    last one of the command line, each with the text that is shown beside it, and completed(line),
+    the line as pressing tab leaves it."""
+
+    @classmethod
+    def setUpClass(cls):
+        if cls is Completion:
+            raise unittest.SkipTest("the checks alone")
+        cls.folder = tempfile.TemporaryDirectory()
+        for name in ("fit.png", "result.out", "with blank.out"):
+            (Path(cls.folder.name) / name).touch()
+        (Path(cls.folder.name) / "subfolder").mkdir()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def test_options(self):
+        self.assertEqual(self.offers("gravlex -"), option_texts())
+
+    def test_options_behind_the_file(self):
+        long_options = {word: text for word, text in option_texts().items()
+                        if word.startswith("--sms")}
+        self.assertEqual(self.offers("gravlex result.out --sms"), long_options)
+
+    def test_kind_words(self):
+        for option in ("--data ", "--dread ", "--dcombine ", "-d ", "--data=", "--dread="):
+            with self.subTest(option):
+                self.assertEqual(self.offers(f"gravlex {option}"), WORDS)
+
+    def test_kind_words_inside_a_list(self):
+        for option in ("--data ", "--data="):
+            offered = self.offers(f"gravlex {option}sms,bgl,")
+            self.assertEqual(offered, without(WORDS, "sms", "bgl") | REMOVALS)
+
+    def test_removal_words(self):
+        offered = self.offers("gravlex --data 'all,!sms,!")
+        self.assertEqual(offered, without(REMOVALS, "!sms"))
+        offered = self.offers("gravlex --data=all,lint,")
+        self.assertEqual(offered, without(WORDS, "all", "lint") | REMOVALS)
+
+    def test_styles_and_points(self):
+        self.assertEqual(set(self.offers("gravlex --style_sms ")), STYLES)
+        self.assertEqual(set(self.offers("gravlex --ptype_sms ")), POINTS)
+        self.assertEqual(set(self.offers("gravlex --ptype_sms=1")),
+                         {point for point in POINTS if point.startswith("1")})
+
+    def test_one_candidate(self):
+        self.assertEqual(self.completed("gravlex --leg"), "gravlex --legend ")
+        self.assertRegex(self.completed("gravlex --data all,ts"), "^gravlex --data all,tsms[ ,]?$")
+        self.assertRegex(self.completed("gravlex --data=all,ts"), "^gravlex --data=all,tsms[ ,]?$")
+
+    def test_file_names(self):
+        self.assertEqual(self.completed("gravlex res"), "gravlex result.out ")
+        self.assertEqual(self.completed("gravlex --grid res"), "gravlex --grid result.out ")
+        self.assertEqual(self.completed("gravlex with"), r"gravlex with\ blank.out ")
+        self.assertEqual(self.completed("gravlex --data sms res"), "gravlex --data sms result.out ")
+        for image in ("--png", "--eps", "--svg"):
+            self.assertEqual(self.completed(f"gravlex {image} fi"), f"gravlex {image} fit.png ")
+            self.assertEqual(self.completed(f"gravlex {image}=fi"), f"gravlex {image}=fit.png ")
+            self.assertEqual(self.completed(f"gravlex {image} sub"), f"gravlex {image} subfolder/")
+
+    def test_no_file_names(self):
+        for line in ("gravlex --imgw ", "gravlex -t ", "gravlex --curves ", "gravlex --xmin="):
+            with self.subTest(line):
+                self.assertEqual(self.completed(line + "fi"), line + "fi")

@@ -1,0 +1,37 @@
+# SPDX-License-Identifier: MIT
+"""The completion of fish, as its own "complete -C" answers."""
+import subprocess
+import unittest
+
+import expected
+import program
+
+FILE = program.ROOT / "completions/gravlex.fish"
+
+
+class Fish(expected.Completion):
+    def answers(self, line):
+        """The words that can take the place of the last word, whole, with their texts."""
+        run = subprocess.run(
+            ["fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", FILE, line],
+            cwd=self.folder.name, capture_output=True, text=True, check=True)
+        self.assertEqual(run.stderr, "")
+        answers = (answer.partition("\t") for answer in run.stdout.splitlines())
+        return {word: text for word, _, text in answers}
+
+    def offers(self, line):
+        """The same without what stands before the part of the word that is being typed."""
+        return {word.rpartition("=")[2].rpartition(",")[2]: text
+                for word, text in self.answers(line).items()}
+
+    def completed(self, line):
+        """The line with the only answer in place of the last word, else the line as it is."""
+        answers = list(self.answers(line))
+        if len(answers) != 1:
+            return line
+        word = answers[0].replace(" ", r"\ ")
+        return line[:line.rindex(" ") + 1] + word + ("" if word.endswith("/") else " ")
+
+
+if __name__ == "__main__":
+    unittest.main()

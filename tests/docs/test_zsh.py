@@ -1,0 +1,56 @@
+# SPDX-License-Identifier: MIT
+"""The completion of zsh: what it lists on the screen, and what pressing tab does."""
+import re
+import shlex
+import unittest
+
+import expected
+import program
+from terminal import Shell
+
+# Control-d lists, control-g shows the line and clears it.
+SETUP = r"""
+PS1='ready> ' PROMPT_EOL_MARK='' LISTMAX=1000
+fpath=({completions} $fpath)
+autoload -U compinit
+compinit -D -u
+setopt no_beep no_list_packed
+zstyle ':completion:*' list-separator '##'
+zstyle ':completion:*' list-grouped no
+zstyle ':completion:*' menu no
+show_line() {{ zle -cR ''; zle -I; print -r -- "<$BUFFER>"; BUFFER='' }}
+zle -N show_line
+bindkey -e
+bindkey '^G' show_line
+bindkey '^D' list-choices
+unset zle_bracketed_paste
+"""
+
+
+class Zsh(expected.Completion):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.shell = Shell(["zsh", "-f", "-i"], cls.folder.name, {"PS1": ""})
+        completions = shlex.quote(str(program.ROOT / "completions"))
+        cls.shell.press(SETUP.format(completions=completions))
+        cls.shell.press("echo se''t up\n")
+        cls.shell.read_until("set up\n")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.shell.close()
+        super().tearDownClass()
+
+    def offers(self, line):
+        self.shell.press(f"{line}\x04\x07")
+        screen = self.shell.read_until(r"(?s)(.*)\n<.*>\n")[1]
+        return dict(re.findall(r"^(\S+) +## (.*?) *$", screen, re.M))
+
+    def completed(self, line):
+        self.shell.press(f"{line}\t\x07")
+        return self.shell.read_until("<(.*)>\n")[1]
+
+
+if __name__ == "__main__":
+    unittest.main()
