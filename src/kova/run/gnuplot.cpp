@@ -262,6 +262,8 @@ static void pass_on_collected() {
 
 void gnuplot_close() {
     flush_output();
+    // What gnuplot did not take before it went counts as well, whatever its own status.
+    const bool is_lost = std::fflush(f) != 0 || std::ferror(f) != 0;
     const int status = pclose(f);
     f = nullptr;
     if (Complaints != nullptr) {
@@ -270,6 +272,6 @@ void gnuplot_close() {
         std::fclose(Complaints);
         Complaints = nullptr;
     }
-    if (status != 0)
+    if (is_lost || status != 0)
         complain("Unable to close GnuPlot pipe.\n");
 }
