@@ -43,7 +43,7 @@ class Bash(expected.Completion):
         cls.shell = Shell(["bash", "--norc", "--noprofile", "-i"], cls.folder.name, {"PS1": ""})
         cls.shell.press(f"source {shlex.quote(str(FILE))}{SETUP}")
         cls.shell.press("echo se''t up\n")
-        cls.shell.read_until("set up\n")
+        cls.shell.read_until(r"(?s)set up\n.*ready> ")
 
     @classmethod
     def tearDownClass(cls):

@@ -8,7 +8,8 @@ import expected
 import program
 from terminal import Shell
 
-# Control-d lists, control-g shows the line and clears it.
+# Control-g shows the line and clears it, control-n does so after the list. That must be one key:
+# zsh lists nothing while others wait.
 SETUP = r"""
 PS1='ready> ' PROMPT_EOL_MARK='' LISTMAX=1000
 fpath=({completions} $fpath)
@@ -22,7 +23,9 @@ show_line() {{ zle -cR ''; zle -I; print -r -- "<$BUFFER>"; BUFFER='' }}
 zle -N show_line
 bindkey -e
 bindkey '^G' show_line
-bindkey '^D' list-choices
+list_all() {{ zle list-choices; zle -R; show_line }}
+zle -N list_all
+bindkey '^N' list_all
 unset zle_bracketed_paste
 """
 
@@ -35,7 +38,7 @@ class Zsh(expected.Completion):
         completions = shlex.quote(str(program.ROOT / "completions"))
         cls.shell.press(SETUP.format(completions=completions))
         cls.shell.press("echo se''t up\n")
-        cls.shell.read_until("set up\n")
+        cls.shell.read_until(r"(?s)set up\n.*ready> ")
 
     @classmethod
     def tearDownClass(cls):
@@ -43,7 +46,7 @@ class Zsh(expected.Completion):
         super().tearDownClass()
 
     def offers(self, line):
-        self.shell.press(f"{line}\x04\x07")
+        self.shell.press(f"{line}\x0e")
         screen = self.shell.read_until(r"(?s)(.*)\n<.*>\n")[1]
         return dict(re.findall(r"^(\S+) +## (.*?) *$", screen, re.M))
 
