@@ -25,7 +25,7 @@ def option_heads():
 
 
 def matches(message, head):
-    """Whether a head shows the message; blanks are compared with the arguments shown by a word."""
+    """Whether a head shows the message, with an argument for each conversion."""
     wanted = re.sub("%[a-z]", f"{BEGIN}x{END}", message)
     shown = re.sub(f"{BEGIN}[^{END}]+{END}", f"{BEGIN}x{END}", head)
     return " ".join(wanted.split()) == " ".join(shown.split())
