@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""What the real gnuplot says about a plot, and what of it gravlex passes on: test_complaints.py
+PROGRAM. There is no display, as on a server."""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+CCL4 = ROOT / "examples" / "ccl4.out"
+BENZENE = ROOT / "examples" / "benzene.out"
+PROGRAM = pathlib.Path()
+TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not under a checker on a busy machine
+KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
+
+PIPE_LINE = "Unable to close GnuPlot pipe.\n"
+ONE_PLOT = ("--data", "sms,tsms", "--curves", "1-1,2-1")
+# What gnuplot makes of a row that it takes for a command, or of the end of a block of them.
+COMPLAINT = re.compile(r"\ngnuplot> (?:e|(?:\S+ ){1,2}\S+)\n +\^\n +line \d+: invalid command\n\n")
+WARNINGS = re.compile(r"(?m)^WARNING: Plotting with an 'unknown' terminal\.\n"
+                      r"No output will be generated\. Please select a terminal with .*\n")
+
+
+class Complaints(unittest.TestCase):
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="gravlex-real-")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.env = {name: value for name, value in os.environ.items() if KEPT.fullmatch(name)}
+        # Where letters are ASCII alone, gnuplot warns about the encoding that every plot sets.
+        self.env.update(LC_ALL="C.UTF-8", HOME=folder.name)
+
+    def start(self, command, **more):
+        # An image without a file of its own goes to standard output, so not all of it is text.
+        return subprocess.run(command, cwd=self.folder, timeout=TIME_LIMIT, text=True,
+                              errors="surrogateescape", stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, **more)
+
+    def gravlex(self, *arguments, **env):
+        """Runs gravlex and returns what it printed; it must end well."""
+        done = self.start([PROGRAM, *arguments], env={**self.env, **env}, stdin=subprocess.DEVNULL)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done
+
+    def gnuplot_alone(self, *arguments):
+        """What gnuplot says about the same commands when nobody stands between."""
+        tools = self.folder / "tools"
+        tools.mkdir()
+        (tools / "gnuplot").symlink_to(ROOT / "tests" / "standin" / "gnuplot")
+        self.gravlex(*arguments, RECORD=str(tools), PATH=f"{tools}:{self.env['PATH']}")
+        with open(tools / "gnuplot-1.in", "rb") as commands:
+            done = self.start(["gnuplot"], env={**self.env, "GNUTERM": "unknown"}, stdin=commands)
+        return done.stderr
+
+    def image(self, name):
+        path = self.folder / name
+        self.assertTrue(path.exists(), f"{name} was not written")
+        self.assertGreater(path.stat().st_size, 5000, f"{name} is too small to show anything")
+
+    def test_image_prints_no_complaint(self):
+        for sample in CCL4, BENZENE:
+            for kind in "png", "eps", "svg":
+                with self.subTest(sample=sample.name, kind=kind):
+                    done = self.gravlex(*ONE_PLOT, f"--{kind}", f"{sample.stem}.{kind}", sample)
+                    self.assertIn(done.stderr, ("", PIPE_LINE))
+                    self.image(f"{sample.stem}.{kind}")
+
+    def test_gnuplot_alone_complains(self):
+        """There is something to keep back, or the other tests would show nothing."""
+        rows = len(COMPLAINT.findall(self.gnuplot_alone(*ONE_PLOT, "--png", "a.png", CCL4)))
+        self.assertEqual(rows, 2 * (161 + 281) + 4, "rows and ends of the second copy")
+
+    def test_deviations_print_no_complaint(self):
+        done = self.gravlex("--data", "sms,tsms,dsms,smss", "--curves", "1-1", "--smserrbars",
+                            "--dsmserrfill", "--png", "a.png", CCL4)
+        self.assertIn(done.stderr, ("", PIPE_LINE))
+        self.image("a.png")
+
+    def test_several_images_print_no_complaint(self):
+        done = self.gravlex("--no-multiplot", "--dread", "sms,tsms", "--cread", "1-1,2-1",
+                            "--png", "a.png", CCL4)
+        self.assertIn(done.stderr, [n * PIPE_LINE for n in range(5)])
+        for n in range(1, 5):
+            self.image(f"{n}_a.png")
+
+    def test_page_prints_no_complaint(self):
+        done = self.gravlex("--dread", "sms,tsms", CCL4, GNUTERM="dumb")
+        self.assertEqual(done.stderr, "")
+        self.assertIn("KOVA GED curves", done.stdout)
+
+    def test_wrong_terminal_is_shown(self):
+        done = self.gravlex("--term", "wrong", *ONE_PLOT, "--png", "a.png", CCL4)
+        self.assertIn("\ngnuplot> set terminal wrong\n", done.stderr)
+        self.assertIn("unknown or ambiguous terminal type", done.stderr)
+        self.assertNotIn("invalid command", done.stderr)
+
+    def test_wrong_terminal_is_shown_without_image(self):
+        done = self.gravlex("--term", "wrong", *ONE_PLOT, CCL4)
+        self.assertIn("\ngnuplot> set terminal wrong\n", done.stderr)
+        self.assertIn("unknown or ambiguous terminal type", done.stderr)
+
+    def test_missing_folder_is_shown(self):
+        done = self.gravlex(*ONE_PLOT, "--png", "nowhere/a.png", CCL4)
+        self.assertIn('\ngnuplot> set output "nowhere/a.png"\n', done.stderr)
+        self.assertIn("cannot open file; output not changed", done.stderr)
+        self.assertNotIn("invalid command", done.stderr)
+
+    def test_nothing_else_is_lost(self):
+        """A message of gnuplot's own among the complaints: it alone is left, to the byte."""
+        arguments = (*ONE_PLOT, "--png", "nowhere/a.png", CCL4)
+        alone = WARNINGS.sub("", COMPLAINT.sub("", self.gnuplot_alone(*arguments)))
+        self.assertTrue(alone)
+        done = self.gravlex(*arguments)
+        self.assertEqual(done.stderr.removesuffix(PIPE_LINE), alone)
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 2:
+        sys.exit(__doc__)
+    PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+    if not shutil.which("gnuplot"):
+        sys.exit("missing: gnuplot")
+    unittest.main()
