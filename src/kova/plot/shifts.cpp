@@ -87,16 +87,16 @@ static void multiply_shifts(int i, int j) {
     }
 }
 
-void calc_shifts(int i, int j) {
+void calc_shifts(int curve_group, int column_group) {
     buf_initialize();
     for (const shift_class_t& stage : Classes) {
         placement_t placed = {};
         for (int k = 0; k < Ncurves; k++) {
-            if (curve_is_in(k, i))
-                place_curve(stage, &placed, i, j, k);
+            if (curve_is_in(k, curve_group))
+                place_curve(stage, &placed, curve_group, column_group, k);
         }
     }
-    multiply_shifts(i, j);
+    multiply_shifts(curve_group, column_group);
     buf_initialize();
     AutoShiftsReady = 1;
 }
