@@ -89,3 +89,23 @@ void write_plot_command(int curve_group, int column_group);
 
 // Sends the data of every series of that command, in the same order.
 void write_data_blocks(int curve_group, int column_group);
+
+// ---- Rows of data (rows.cpp) -------------------------------------------------------------------
+
+// The longest text of a number, and a blank or newline behind it: sign, 309 digits, point and six
+// decimals.
+constexpr int NUMBER_SIZE = 320;
+
+// Writes the text that "%f" stands for, without a NUL. Returns where it ends.
+char* write_number(char* to, double value);
+
+// One block of inline data: begin_rows with the n abscissae, write_row for each of them in order
+// with one or two more numbers, end_rows. flush_rows sends what waits to be sent.
+void begin_rows(const double* x, int n);
+void write_row(double y);
+void write_row(double y1, double y2);
+void end_rows();
+void flush_rows();
+
+// Releases what is kept between blocks.
+void release_rows();

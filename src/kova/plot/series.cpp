@@ -123,40 +123,30 @@ void write_plot_command(int curve_group, int column_group) {
 
 // ---- The data ----------------------------------------------------------------------------------
 
-static void write_row(double x, double y) {
-    std::fprintf(f, "%f %f\n", x, y);
-}
-
-static void write_row(double x, double y1, double y2) {
-    std::fprintf(f, "%f %f %f\n", x, y1, y2);
-}
-
-static void end_block() {
-    std::fprintf(f, "e\n");
-}
-
 static void write_deviation_block(int i, int j, deviation_t deviation) {
-    const double* x = Curve[i][0];
     const double* y = Curve[i][j];
     const double* d = Curve[i][ColErrIdx[j]];
     const double shift = CurveShift[i][j];
     const int n = d == nullptr ? 0 : column_points(i, j);
+    begin_rows(Curve[i][0], n);
     for (int k = 0; k < n; k++) {
         const double level = deviation == DEV_LEVEL_BAND ? shift : y[k] + shift;
         if (deviation == DEV_BARS)
-            write_row(x[k], level, d[k]);
+            write_row(level, d[k]);
         else
-            write_row(x[k], level - d[k], level + d[k]);
+            write_row(level - d[k], level + d[k]);
     }
-    end_block();
+    end_rows();
 }
 
 static void write_curve_block(int i, int j) {
-    const double* x = Curve[i][0];
     const double* y = Curve[i][j];
-    for (int k = 0; k < column_points(i, j); k++)
-        write_row(x[k], y[k] + CurveShift[i][j]);
-    end_block();
+    const double shift = CurveShift[i][j];
+    const int n = column_points(i, j);
+    begin_rows(Curve[i][0], n);
+    for (int k = 0; k < n; k++)
+        write_row(y[k] + shift);
+    end_rows();
 }
 
 void write_data_blocks(int curve_group, int column_group) {
@@ -168,4 +158,5 @@ void write_data_blocks(int curve_group, int column_group) {
             write_deviation_block(i, j, deviation);
         write_curve_block(i, j);
     });
+    flush_rows();
 }

@@ -60,6 +60,7 @@ static void release_all() {
     std::free(ParToCombineNum1);
     std::free(ParToCombineNum2);
     release_curves();
+    release_rows();
 }
 
 int main(int argc, char** argv) {
