@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "run/run.h"
+#include "state.h"
+
+using Gnuplot = Fresh;
+
+// ---- Image commands ----------------------------------------------------------------------------
+
+static std::string image_commands(int format, int number) {
+    MakeImage = format;
+    wx = 640;
+    wy = 480;
+    char name[] = "out file";
+    ImgFname = name;
+    return sent([number] { gnuplot_image_commands(number); });
+}
+
+TEST_F(Gnuplot, an_image_is_a_terminal_a_file_and_a_replot) {
+    const std::string rest = "set output \"out file\"\nreplot\n";
+    EXPECT_EQ(image_commands(IMG_PNG, 0), "set term pngcairo size 640,480\n" + rest);
+    EXPECT_EQ(image_commands(IMG_EPS, 0),
+              "set terminal postscript eps enhanced color solid clip\n" + rest);
+    EXPECT_EQ(image_commands(IMG_SVG, 0),
+              "set terminal svg size 640,480 dynamic enhanced\n" + rest);
+}
+
+TEST_F(Gnuplot, an_unknown_format_is_drawn_as_png) {
+    EXPECT_EQ(image_commands(4, 0),
+              "set term pngcairo size 640,480\nset output \"out file\"\nreplot\n");
+}
+
+TEST_F(Gnuplot, numbered_images_have_their_number_in_front) {
+    EXPECT_EQ(image_commands(IMG_PNG, 1),
+              "set term pngcairo size 640,480\nset output \"1_out file\"\nreplot\n");
+    EXPECT_EQ(image_commands(IMG_PNG, 12),
+              "set term pngcairo size 640,480\nset output \"12_out file\"\nreplot\n");
+}
+
+// ---- The process -------------------------------------------------------------------------------
+
+// Runs a call with a script as the only gnuplot on the path.
+static ended_t with_gnuplot(const std::string& script, const act_t& act) {
+    std::string folder = testing::TempDir() + "gnuplot-XXXXXX";
+    EXPECT_NE(mkdtemp(folder.data()), nullptr);
+    const std::string program = folder + "/gnuplot";
+    FILE* file = std::fopen(program.c_str(), "w");
+    std::fprintf(file, "#!/bin/sh\n%s", script.c_str());
+    std::fclose(file);
+    chmod(program.c_str(), 0755);
+    const ended_t ended = in_child([&] {
+        prepare_process();
+        setenv("PATH", (folder + ":/usr/bin:/bin").c_str(), 1);
+        act();
+    });
+    unlink(program.c_str());
+    rmdir(folder.c_str());
+    return ended;
+}
+
+TEST_F(Gnuplot, gets_its_option_and_every_byte) {
+    const ended_t ended = with_gnuplot("echo $# \"$@\"\ncat\n", [] {
+        say("before ");
+        gnuplot_start();
+        std::fprintf(f, "plot \305\n");
+        gnuplot_close();
+        EXPECT_EQ(f, nullptr);
+        say("after\n");
+    });
+    EXPECT_TRUE(ended_with(ended, 0, "before 1 -persist\nplot \305\nafter\n", ""));
+}
+
+TEST_F(Gnuplot, is_waited_for) {
+    const ended_t ended = with_gnuplot("cat\nsleep 0.2\necho ready\n", [] {
+        gnuplot_start();
+        gnuplot_close();
+        say("closed\n");
+    });
+    EXPECT_TRUE(ended_with(ended, 0, "ready\nclosed\n", ""));
+}
+
+TEST_F(Gnuplot, that_fails_is_reported_and_changes_nothing) {
+    const ended_t ended = with_gnuplot("cat\nexit 3\n", [] {
+        gnuplot_start();
+        gnuplot_close();
+        say("goes on\n");
+    });
+    EXPECT_TRUE(ended_with(ended, 0, "goes on\n", "Unable to close GnuPlot pipe.\n"));
+}
+
+TEST_F(Gnuplot, that_leaves_at_once_does_not_kill_the_run) {
+    const ended_t ended = with_gnuplot("exec <&-\nsleep 0.1\n", [] {
+        gnuplot_start();
+        for (int i = 0; i < 100000; i++)
+            std::fprintf(f, "0123456789\n");
+        gnuplot_close();
+        say("goes on\n");
+    });
+    EXPECT_TRUE(ended_with(ended, 0, "goes on\n", "Unable to close GnuPlot pipe.\n"));
+}
+
+// A sanitizer needs descriptors of its own when the process ends.
+static void allow_descriptors() {
+    rlimit limit;
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+TEST_F(Gnuplot, that_cannot_be_started_ends_the_run) {
+    const ended_t ended = in_child([] {
+        rlimit limit;
+        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+        limit.rlim_cur = 3;  // none is left for the pipe
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+        std::atexit(allow_descriptors);
+        say("before\n");
+        gnuplot_start();
+    });
+    EXPECT_TRUE(
+        ended_with(ended, 1, "before\nCannot connect to gnuplot pipe: Too many open files\n", ""));
+}

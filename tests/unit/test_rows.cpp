@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+//
+// Rows of numbers, compared with what the C library makes of them.
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "input/input.h"
+#include "random.h"
+#include "state.h"
+
+using Rows = Fresh;
+
+static int scanned(const char* line, double (&n)[MAX_NUMBERS]) {
+    return std::sscanf(line,
+                       "%lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf %lf "
+                       "%lf %lf \n",
+                       &n[0], &n[1], &n[2], &n[3], &n[4], &n[5], &n[6], &n[7], &n[8], &n[9],
+                       &n[10], &n[11], &n[12], &n[13], &n[14], &n[15], &n[16], &n[17], &n[18],
+                       &n[19]);
+}
+
+static void expect_as_scanned(const std::string& line) {
+    double expected[MAX_NUMBERS] = {}, numbers[MAX_NUMBERS] = {};
+    const int count = scanned(line.c_str(), expected);
+    ASSERT_EQ(read_numbers(line.c_str(), numbers), count) << '"' << line << '"';
+    for (int i = 0; i < count; i++)
+        ASSERT_EQ(bits(numbers[i]), bits(expected[i])) << '"' << line << "\", number " << i;
+}
+
+static int count_of(const std::string& line) {
+    double numbers[MAX_NUMBERS];
+    return read_numbers(line.c_str(), numbers);
+}
+
+TEST_F(Rows, are_converted_in_order) {
+    double numbers[MAX_NUMBERS];
+    ASSERT_EQ(read_numbers("   2.00   -0.61862\t1e3\n", numbers), 3);
+    EXPECT_EQ(numbers[0], 2.0);
+    EXPECT_EQ(numbers[1], -0.61862);
+    EXPECT_EQ(numbers[2], 1000.0);
+}
+
+TEST_F(Rows, blank_ones_have_minus_one) {
+    for (const char* line : {"", "\n", "   ", " \t\r\n"})
+        EXPECT_EQ(count_of(line), -1) << line;
+}
+
+TEST_F(Rows, end_at_the_first_text) {
+    EXPECT_EQ(count_of("x"), 0);
+    EXPECT_EQ(count_of("1 2 x 3"), 2);
+    EXPECT_EQ(count_of("1 2x 3"), 2);
+    EXPECT_EQ(count_of("1,5 2"), 1);
+    EXPECT_EQ(count_of("--5"), 0);
+}
+
+TEST_F(Rows, have_twenty_numbers_at_most) {
+    std::string line;
+    for (int count = 1; count <= 30; count++) {
+        line += " " + std::to_string(count);
+        EXPECT_EQ(count_of(line), count < 20 ? count : 20);
+    }
+}
+
+TEST_F(Rows, hostile_ones_are_read_like_the_c_library_reads_them) {
+    for (const char* line : {"1e 2",
+                             "1e+ 2",
+                             "1e-",
+                             "1e5 2e-5",
+                             "0x 1",
+                             "0x1p3 2",
+                             "0x.8",
+                             "0x1p 2",
+                             "0x1.8p-1",
+                             "inf",
+                             "infinit",
+                             "infinity 2",
+                             "-INF +Inf",
+                             "nan",
+                             "nan(1) 2",
+                             "nan(x",
+                             "-nan",
+                             "1.5-2.5",
+                             "1.5+2.5",
+                             "1.5.2",
+                             ".5",
+                             "5.",
+                             ".",
+                             "-.5",
+                             "+.e5",
+                             "1e400",
+                             "-1e400",
+                             "1e-400",
+                             "1e-310",
+                             "4.9e-324",
+                             "2e-324",
+                             "-0",
+                             "-0.0",
+                             "+0",
+                             "00012",
+                             "0.1e1e1",
+                             "1d5",
+                             "1E5",
+                             "1e5.5",
+                             "\v1\f2\r3",
+                             "1_000",
+                             "1'000",
+                             "0b1",
+                             "1e99999999999999999999",
+                             "1e-99999999999999999999",
+                             "179769313486231580793728971405301e277",
+                             "2.2250738585072011e-308",
+                             "9007199254740993",
+                             "0.1000000000000000055511151231257827",
+                             "123456789012345678901234567890123456789012345678901234567890 1",
+                             "1\xA0",
+                             "i",
+                             "in",
+                             "n",
+                             "na",
+                             "in f",
+                             "0x",
+                             "0xg",
+                             "-0x1",
+                             "1 -",
+                             "1 + 2",
+                             "1e+5",
+                             "1e +5"})
+        expect_as_scanned(line);
+}
+
+TEST_F(Rows, random_ones_are_read_like_the_c_library_reads_them) {
+    const std::string letters = "0123456789012345678901234567890   \t..--+eExXpPinfaN(),";
+    random_t random(1);
+    for (int i = 0; i < 100000; i++) {
+        std::string line;
+        for (int length = random.below(40); length > 0; length--)
+            line += letters[random.next() % letters.size()];
+        expect_as_scanned(line);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+TEST_F(Rows, numbers_as_tables_have_them_are_read_to_the_bit) {
+    random_t random(2);
+    for (int i = 0; i < 20000; i++) {
+        std::string line;
+        for (int n = 0; n < 7; n++) {
+            const double value = (random.unit() - 0.5) * std::pow(10.0, random.below(12));
+            char text[80];
+            std::snprintf(text, sizeof text, n % 2 ? "%16.*f" : "%16.*e", random.below(18), value);
+            line += text;
+        }
+        expect_as_scanned(line + "\n");
+        if (HasFatalFailure())
+            return;
+    }
+}

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+//
+// Stacking against the second computation of naive.h, over random curves: to the last bit.
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "input/input.h"
+#include "naive.h"
+#include "plot/plot.h"
+#include "random.h"
+#include "state.h"
+
+using Stacking = Fresh;
+
+// ---- Abscissae and ordinates -------------------------------------------------------------------
+
+enum spacing_t { REGULAR, IRREGULAR, REPEATED, UNSORTED, FALLING };
+
+static column_t abscissae(random_t* random, spacing_t spacing, int n) {
+    const double step = 0.05 + random->unit();
+    column_t x;
+    double value = 10.0 * random->unit();
+    for (int k = 0; k < n; k++) {
+        x.push_back(value);
+        if (spacing == REGULAR)
+            value += step;
+        else if (spacing != REPEATED || random->below(5) != 0)
+            value += step * (0.01 + random->unit());
+    }
+    if (spacing == FALLING)
+        std::reverse(x.begin(), x.end());
+    for (int swaps = spacing == UNSORTED ? 1 + n / 5 : 0; swaps > 0; swaps--)
+        std::swap(x[static_cast<std::size_t>(random->below(n))],
+                  x[static_cast<std::size_t>(random->below(n))]);
+    return x;
+}
+
+// Smooth-looking or wild, now and then of few values, so that equal ones and zeros occur.
+static column_t ordinates(random_t* random, int n) {
+    const int manner = random->below(4);
+    const double height = manner == 0 ? 1e6 * random->unit() : 3.0;
+    column_t y;
+    double value = 0.0;
+    for (int k = 0; k < n; k++) {
+        value += random->unit() - 0.5;
+        if (manner == 1)
+            y.push_back(random->below(3) - 1);
+        else if (manner == 2)
+            y.push_back(height * random->unit());
+        else
+            y.push_back(height * value);
+    }
+    return y;
+}
+
+static column_t hostile_ordinates(random_t* random, int n) {
+    static const double values[10] = {0.0,
+                                      -0.0,
+                                      1.0,
+                                      -1.0,
+                                      1e300,
+                                      -1e300,
+                                      std::numeric_limits<double>::denorm_min(),
+                                      std::numeric_limits<double>::infinity(),
+                                      -std::numeric_limits<double>::infinity(),
+                                      std::numeric_limits<double>::quiet_NaN()};
+    column_t y;
+    for (int k = 0; k < n; k++)
+        y.push_back(values[random->below(random->below(3) == 0 ? 10 : 4)]);
+    return y;
+}
+
+// ---- The buffer --------------------------------------------------------------------------------
+
+static void expect_same_envelope(naive_buffer_t* naive, double x) {
+    double lowest, highest;
+    const envelope_t expected = naive->at(x);
+    ASSERT_EQ(buf_y_min_max(x, &lowest, &highest), expected.count) << "at " << x;
+    ASSERT_EQ(bits(lowest), bits(expected.lowest)) << "at " << x;
+    ASSERT_EQ(bits(highest), bits(expected.highest)) << "at " << x;
+}
+
+static void expect_same_shift(naive_buffer_t* naive, const column_t& x, const column_t& y,
+                              double direction) {
+    double shift = 0.0, lowest = 0.0, highest = 0.0;
+    said([&] {
+        shift = buf_calc_shift(static_cast<int>(x.size()), x.data(), y.data(), &lowest, &highest,
+                               direction);
+    });
+    const naive_shift_t expected = naive->shift_of(x, y, direction);
+    ASSERT_EQ(bits(shift), bits(expected.shift));
+    ASSERT_EQ(bits(lowest), bits(expected.lowest));
+    ASSERT_EQ(bits(highest), bits(expected.highest));
+}
+
+// Adds some curves and after each of them looks up points, its own among them, and shifts.
+static void compare_buffers(unsigned seed, spacing_t spacing, bool equal_abscissae, bool hostile) {
+    SCOPED_TRACE(seed);
+    random_t random(seed);
+    naive_buffer_t naive;
+    buf_initialize();
+    const int points = 1 + random.below(random.below(4) == 0 ? 200 : 12);
+    column_t x = abscissae(&random, spacing, points);
+    for (int curve = 0; curve < 8; curve++) {
+        const int n = equal_abscissae ? points : 1 + random.below(30);
+        if (!equal_abscissae)
+            x = abscissae(&random, spacing, n);
+        const column_t y = hostile ? hostile_ordinates(&random, n) : ordinates(&random, n);
+        expect_same_shift(&naive, x, y, random.below(2) == 0 ? +1.0 : -1.0);
+        const double shift = hostile ? 0.0 : 5.0 * random.unit();
+        buf_add(n, x.data(), y.data(), shift);
+        naive.add(x, y, shift);
+        for (int i = 0; i < 40; i++) {
+            const double own = x[static_cast<std::size_t>(random.below(n))];
+            expect_same_envelope(&naive, random.below(2) == 0 ? own : 15.0 * random.unit());
+        }
+        if (testing::Test::HasFatalFailure())
+            return;
+    }
+}
+
+static void compare_many(unsigned seed, spacing_t spacing, bool hostile = false) {
+    for (unsigned i = 0; i < 60; i++) {
+        compare_buffers(seed + i, spacing, i % 2 == 0, hostile);
+        if (testing::Test::HasFatalFailure())
+            return;
+    }
+}
+
+TEST_F(Stacking, regular_abscissae_have_the_naive_envelope) {
+    compare_many(1000, REGULAR);
+}
+
+TEST_F(Stacking, irregular_abscissae_have_the_naive_envelope) {
+    compare_many(2000, IRREGULAR);
+}
+
+TEST_F(Stacking, falling_abscissae_have_the_naive_envelope) {
+    compare_many(3000, FALLING);
+}
+
+TEST_F(Stacking, unsorted_abscissae_follow_the_naive_search) {
+    compare_many(4000, UNSORTED);
+}
+
+TEST_F(Stacking, hostile_ordinates_have_the_naive_envelope) {
+    compare_many(5000, REGULAR, true);
+    compare_many(6000, UNSORTED, true);
+}
+
+// Where the naive computation meets a step the run ends, and nowhere else.
+TEST_F(Stacking, repeated_abscissae_end_where_the_naive_search_ends) {
+    int steps = 0;
+    for (unsigned seed = 7000; seed < 7060; seed++) {
+        SCOPED_TRACE(seed);
+        bool is_step = false;
+        random_t random(seed);
+        naive_buffer_t naive;
+        buf_initialize();
+        for (int curve = 0; curve < 3; curve++) {
+            const int n = 2 + random.below(10);
+            const column_t x = abscissae(&random, REPEATED, n), y = ordinates(&random, n);
+            naive.add(x, y, 0.0);
+            buf_add(n, x.data(), y.data(), 0.0);
+        }
+        for (int i = 0; i < 60 && !is_step; i++) {
+            const buf_t& curve = buf[random.below(Nbuf)];
+            const double x =
+                random.below(2) == 0 ? curve.x[random.below(curve.n)] : 15.0 * random.unit();
+            const naive_buffer_t before = naive;
+            try {
+                naive.at(x);
+            } catch (const step_error_t&) {
+                is_step = true;
+            }
+            naive = before;
+            if (!is_step) {
+                expect_same_envelope(&naive, x);
+                continue;
+            }
+            steps++;
+            double lowest, highest;
+            EXPECT_TRUE(ended_with(in_child([&] { buf_y_min_max(x, &lowest, &highest); }), 1, "",
+                                   "linear interpolation: step error."));
+        }
+        ASSERT_FALSE(HasFatalFailure());
+    }
+    EXPECT_GT(steps, 5);  // both ways have been seen
+    EXPECT_LT(steps, 55);
+}
+
+// ---- The whole phase ---------------------------------------------------------------------------
+
+static const int DRAWN_KINDS[15] = {P_GINT_INT,  P_GINT_BGL,  P_GINT_SMS,  P_GINT_TSMS,
+                                    P_GINT_DSMS, P_GINT_RINT, P_GINT_SEC,  P_GINT_IAT,
+                                    P_GINT_RBGL, P_GINT_SMSS, P_GINT_INTS, P_GINT_LINT,
+                                    P_GINT_LBGL, P_GINT_TINT, P_GINT_DINT};
+
+static void make_store(random_t* random, spacing_t spacing, bool equal_abscissae, int sets) {
+    std::vector<int> kinds = {P_GINT_S};
+    for (int columns = 1 + random->below(6); columns > 0; columns--)
+        kinds.push_back(DRAWN_KINDS[random->below(15)]);
+    set_plot_columns(kinds);
+    int n = 2 + random->below(40);
+    column_t x = abscissae(random, spacing, n);
+    for (int c = 0; c < sets; c++) {
+        if (!equal_abscissae) {
+            n = 1 + random->below(40);
+            x = abscissae(random, spacing, n);
+        }
+        std::vector<column_t> columns = {x};
+        for (std::size_t j = 1; j < kinds.size(); j++)
+            columns.push_back(random->below(20) == 0 ? column_t() : ordinates(random, n));
+        add_set(c + 1, 1 + random->below(2), columns);
+        CurvePlotGroup[c] = 1 + (random->below(6) == 0);
+    }
+    for (std::size_t j = 1; j < kinds.size(); j++)
+        ColPlotGroup[j] = 1 + (random->below(6) == 0);
+    ShiftMult = random->below(3) == 0 ? random->unit() * 2 : 0.0;
+    smsErrBars = random->below(2);
+}
+
+static void compare_phases(unsigned seed, spacing_t spacing, int sets) {
+    SCOPED_TRACE(seed);
+    reset_state();
+    random_t random(seed);
+    make_store(&random, spacing, seed % 2 == 0, sets);
+    const naive_stack_t expected = naive_stack(1, 1);
+    ASSERT_EQ(said([] { calc_shifts(1, 1); }), expected.trace);
+    for (std::size_t k = 0; k < expected.shift.size(); k++) {
+        for (std::size_t l = 0; l < expected.shift[k].size(); l++)
+            ASSERT_EQ(bits(CurveShift[k][l]), bits(expected.shift[k][l])) << k << ", " << l;
+    }
+    ASSERT_EQ(Nbuf, 0);
+}
+
+static void compare_many_phases(unsigned seed, spacing_t spacing) {
+    for (unsigned i = 0; i < 100; i++) {
+        compare_phases(seed + i, spacing, static_cast<int>(i % 12));
+        if (testing::Test::HasFatalFailure())
+            return;
+    }
+}
+
+TEST_F(Stacking, phases_over_regular_abscissae_are_as_the_naive_one) {
+    compare_many_phases(10000, REGULAR);
+}
+
+TEST_F(Stacking, phases_over_irregular_abscissae_are_as_the_naive_one) {
+    compare_many_phases(20000, IRREGULAR);
+}
+
+TEST_F(Stacking, phases_over_unsorted_abscissae_are_as_the_naive_one) {
+    compare_many_phases(30000, UNSORTED);
+}
+
+TEST_F(Stacking, phases_over_falling_abscissae_are_as_the_naive_one) {
+    compare_many_phases(40000, FALLING);
+}
+
+TEST_F(Stacking, a_phase_of_many_sets_is_as_the_naive_one) {
+    compare_phases(50000, REGULAR, 100);
+    compare_phases(50001, IRREGULAR, 100);
+}
