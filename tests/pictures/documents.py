@@ -1,0 +1,177 @@
+# SPDX-License-Identifier: MIT
+"""documents.py GRAVLEX check|redraw DOCUMENT...: runs the commands that the documents show.
+
+Commands are the lines that begin with "gravlex " in blocks that begin with "```sh"; a backslash
+at the end continues a line. Those of a block run one after another in a folder of their own,
+where examples/ is found, without a display if they write an image and with one if they do not.
+
+The pictures of docs/pictures/ that are shown between a block and the next one are what its
+commands draw: an image of that name, an EPS image of that name, or, for names that begin with
+"window", the window. "redraw" writes these pictures, "check" compares them. A picture before the
+first block is one that another block draws.
+"""
+
+import pathlib
+import re
+import shutil
+import sys
+
+import files
+import sessions
+from sessions import ROOT, expect
+
+PICTURES = ROOT / "docs" / "pictures"
+MOST_BYTES = 100_000
+# Letters are drawn a little different on another system: this share of the pixels may differ.
+TOLERANCE = 0.003
+WRITES_IMAGE = re.compile(r" --(png|eps|svg)[ =]")
+HAS_NO_WINDOW = re.compile(r" --term[ =]")
+SHOWN = re.compile(r"\]\((?:docs/)?pictures/([^)]+)\)")
+
+
+def read_parts(document):
+    """The text before the first block, and the list of (code, text up to the next block)."""
+    text = document.read_text(encoding="utf-8")
+    before, *parts = re.split(r"^```sh\b.*\n", text, flags=re.MULTILINE)
+    return before, [part.split("\n```\n", 1) for part in parts]
+
+
+def read_blocks(document):
+    """The blocks with commands: a list of (commands, names of the pictures that show them)."""
+    blocks = []
+    for code, rest in read_parts(document)[1]:
+        lines = re.sub(r" *\\\n *", " ", code).splitlines()
+        commands = [line for line in lines if line.startswith("gravlex ")]
+        if commands:
+            blocks.append((commands, SHOWN.findall(rest)))
+    return blocks
+
+
+def images_in(folder):
+    return {path.name for path in folder.iterdir()
+            if path.suffix in (".png", ".eps", ".svg") and path.stat().st_size > 0}
+
+
+def run_command(program, command, folder, display):
+    """Runs one command, which must quietly draw what its options ask for."""
+    images, count = images_in(folder), len(sessions.windows(display))
+    wants_image = WRITES_IMAGE.search(command)
+    status, _, err = sessions.run(program, command, folder, None if wants_image else display)
+    expect(status == 0, f"{command}: status {status}, {err}")
+    expect(sessions.is_quiet(err), f"{command}: said {err}")
+    if wants_image:
+        expect(images_in(folder) > images, f"{command}: no image")
+    elif "examples/" in command and not HAS_NO_WINDOW.search(command):
+        sessions.wait_for_windows(display, count + 1)
+
+
+def is_of_window(picture):
+    return picture.name.startswith("window")
+
+
+def make_picture(picture, display):
+    """Makes that picture of what has been drawn, unless it is an image that was drawn."""
+    if is_of_window(picture):
+        found = sessions.windows(display)
+        expect(len(found) == 1, f"{picture.name} could be any of {len(found)} windows")
+        sessions.screenshot(display, found[0], picture)
+    elif picture.with_suffix(".eps").exists():
+        files.render_eps(picture.with_suffix(".eps"), picture, 150)
+    expect(picture.exists(), f"no command of its block draws {picture.name}")
+
+
+def draw_block(program, commands, names, handle):
+    """Runs the commands of a block and calls handle(picture) for each picture."""
+    with sessions.work_folder() as folder, sessions.x_display() as display:
+        for command in commands:
+            run_command(program, command, folder, display)
+        for name in names:
+            make_picture(folder / name, display)
+            handle(folder / name)
+
+
+# ---- Check -------------------------------------------------------------------------------------
+
+def share_of_difference(old, new):
+    """The share of the pixels that differ clearly."""
+    if old[:2] != new[:2]:
+        return 1
+    pairs = enumerate(zip(old[2], new[2]))
+    clear = {place // 3 for place, (one, other) in pairs if abs(one - other) > 64}
+    return len(clear) / (new[0] * new[1])
+
+
+def svg_without_version(path):
+    return re.sub(r"<desc>.*?</desc>", "", path.read_text("latin-1"))
+
+
+def check_picture(picture):
+    """Compares a new picture with the one in the documents. Windows differ from user to user."""
+    known = PICTURES / picture.name
+    hint = f"docs/pictures/{picture.name} is not what its command draws: run script/gallery"
+    expect(known.exists(), hint)
+    size = known.stat().st_size
+    expect(size <= MOST_BYTES, f"docs/pictures/{picture.name} is too large: {size} bytes")
+    if picture.suffix == ".svg":
+        expect(svg_without_version(known) == svg_without_version(picture), hint)
+    elif not is_of_window(picture):
+        share = share_of_difference(files.read_png(known), files.read_png(picture))
+        expect(share <= TOLERANCE, f"{hint} ({100 * share:.1f} % of the pixels differ)")
+
+
+def drawn_names(documents):
+    return [name for document in documents for _, names in read_blocks(document) for name in names]
+
+
+def check_names(documents):
+    """Each picture is drawn by one block, each that is shown is there, and none is left over."""
+    names = drawn_names(documents)
+    twice = {name for name in names if names.count(name) > 1}
+    expect(not twice, f"drawn by more than one block: {twice}")
+    there = {path.name for path in PICTURES.iterdir()}
+    expect(there == set(names), f"pictures without a block, or the reverse: {there ^ set(names)}")
+    shown = {name for document in documents for name in SHOWN.findall(read_parts(document)[0])}
+    expect(shown <= there, f"shown but not there: {shown - there}")
+
+
+def make_test(label, function, *arguments):
+    def test():
+        function(*arguments)
+    test.__name__ = label
+    return test
+
+
+def check(program, documents):
+    tests = [make_test("pictures of the documents", check_names, documents)]
+    for document in documents:
+        blocks = read_blocks(document)
+        tests += [make_test(f"{document.name}: {commands[0]}",
+                            draw_block, program, commands, names, check_picture)
+                  for commands, names in blocks]
+        expect(blocks, f"{document.name} shows no commands")
+    sessions.run_tests(tests)
+
+
+# ---- Redraw ------------------------------------------------------------------------------------
+
+def keep_picture(picture):
+    shutil.copyfile(picture, PICTURES / picture.name)
+    print(f"docs/pictures/{picture.name}", flush=True)
+
+
+def redraw(program, documents):
+    sessions.require_tools()
+    PICTURES.mkdir(exist_ok=True)
+    names = drawn_names(documents)
+    for path in PICTURES.iterdir():
+        if path.name not in names:
+            path.unlink()
+    for document in documents:
+        for commands, pictures in read_blocks(document):
+            if pictures:
+                draw_block(program, commands, pictures, keep_picture)
+
+
+if __name__ == "__main__":
+    ACTION = {"check": check, "redraw": redraw}[sys.argv[2]]
+    ACTION(pathlib.Path(sys.argv[1]).resolve(), [pathlib.Path(name) for name in sys.argv[3:]])
