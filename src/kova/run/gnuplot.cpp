@@ -11,10 +11,11 @@
 //              line 8: invalid command
 //     (empty line)
 //
-// On a page of several panels gnuplot 6 warns about every row that it reads, and draws it. Nobody
-// wants to see either, but everybody wants to see what else gnuplot has to say. So where such
-// complaints are to be expected, its standard error is collected while it runs and passed on
-// without them once it has ended.
+// On a page of several panels gnuplot 6 warns about every row that it reads, and draws it. In the
+// C locale, as in a container, gnuplot 5.4 warns about the encoding that the Angstrom sign needs.
+// Nobody wants to see these, but everybody wants to see what else gnuplot has to say. So where
+// complaints about data are to be expected, its standard error is collected while it runs and
+// passed on without them once it has ended.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -195,7 +196,9 @@ static bool is_warning(const char* text) {
         (says(text, "WARNING: Plotting with an 'unknown' terminal.") ||
          says(text, "No output will be generated. Please select a terminal with 'set terminal'.")))
         return true;
-    return says(after_place(text),
+    const char* message = after_place(text);
+    return says(message, "warning: iconv failed to convert degree sign") ||
+           says(message,
                 "warning: Reading from '-' inside a multiplot not supported; "
                 "use a datablock instead");
 }
