@@ -56,7 +56,8 @@ void reset_state() {
         std::free(list);
     release_curves();
     clear_columns();
-    said(buf_initialize);
+    buf_initialize();
+    release_rows();
     settings() = SettingsAtStart;
     later_state() = LaterAtStart;
     std::copy(TypeAtStart.begin(), TypeAtStart.end(), Type);

@@ -151,6 +151,17 @@ TEST_F(Groups, column_0_is_no_deviation_column) {
     EXPECT_EQ(links({P_GINT_SMS, P_GINT_SMSS}), (numbers_t{-1, 0}));
 }
 
+TEST_F(Groups, columns_behind_the_last_one_do_not_count) {
+    set_plot_columns({P_GINT_S, P_GINT_SMS, P_GINT_SMSS});
+    NcolsToPlot = 2;
+    DataToCombine = P_GINT_SMSS;
+    link_deviations();
+    group_columns();
+    EXPECT_EQ(ColErrIdx[1], 0);
+    EXPECT_EQ(ColPlotGroup[1], 2);
+    EXPECT_EQ(ColPlotGroup[2], 0);
+}
+
 // ---- Empty curves ------------------------------------------------------------------------------
 
 TEST_F(Groups, a_curve_without_rows_ends_the_run) {
@@ -174,4 +185,24 @@ TEST_F(Groups, curves_with_rows_or_none_at_all_pass) {
     set_plot_columns({P_GINT_S, P_GINT_INT});
     add_set(1, 1, {{1.0}, {2.0}});
     EXPECT_TRUE(ended_with(in_child(refuse_empty_curves), 0, "", ""));
+}
+
+// ---- Pages -------------------------------------------------------------------------------------
+
+TEST_F(Groups, a_page_has_panels_if_it_shows_several_plots) {
+    const struct {
+        int page, curves, columns;
+        bool panels;
+    } cases[] = {{1, 1, 1, false}, {1, 2, 1, true},  {1, 1, 2, true}, {1, 3, 3, true},
+                 {0, 2, 2, false}, {1, 0, 0, false}, {1, 0, 2, true}};
+    for (const auto& c : cases) {
+        MultiPlot = c.page;
+        CurveGroupsToPlot = c.curves;
+        ColGroupsToPlot = c.columns;
+        EXPECT_EQ(page_has_panels(), c.panels);
+        MakeImage = 0;
+        EXPECT_FALSE(image_is_written());
+        MakeImage = IMG_EPS;
+        EXPECT_EQ(image_is_written(), !c.panels);
+    }
 }

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -82,6 +85,21 @@ TEST_F(Lines, of_large_files_are_all_there) {
     EXPECT_TRUE(pieces_of(text) == pieces);
 }
 
+// However the file is read, the places where one read ends and the next begins do not show.
+TEST_F(Lines, may_end_anywhere_in_a_large_file) {
+    for (const std::size_t size : {65534U, 65535U, 65536U, 65537U, 131072U, 131073U}) {
+        std::string text;
+        pieces_t pieces;
+        while (text.size() < size) {
+            const std::string line(std::min<std::size_t>(97, size - text.size() - 1), 'a');
+            pieces.push_back({line + "\n", false});
+            text += line + "\n";
+        }
+        pieces.push_back({"", true});
+        EXPECT_TRUE(pieces_of(text) == pieces) << size;
+    }
+}
+
 TEST_F(Lines, a_file_can_be_opened_again_from_its_start) {
     const text_file_t file("one\ntwo\n");
     for (int pass = 0; pass < 3; pass++) {
@@ -97,4 +115,59 @@ TEST_F(Lines, a_file_that_cannot_be_read_ends_the_run) {
     for (const char* name : {"/no/such/file", "/", ""})
         EXPECT_TRUE(ended_with(in_child([name] { open_input(name); }), 1, "",
                                "Cannot open file '" + std::string(name) + "'\n"));
+}
+
+// ---- What can be read only once ----------------------------------------------------------------
+
+// The name of a pipe that holds the text.
+static std::string pipe_with(const std::string& text, int (&ends)[2]) {
+    EXPECT_EQ(pipe(ends), 0);
+    EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    return "/dev/fd/" + std::to_string(ends[0]);
+}
+
+static std::string next_line() {
+    char line[LINE_SIZE];
+    read_line(line);
+    return line;
+}
+
+TEST_F(Lines, the_first_one_of_a_pipe_can_be_read_again) {
+    int ends[2];
+    const std::string name = pipe_with("one\ntwo\n", ends);
+    open_input(name.c_str());
+    EXPECT_EQ(next_line(), "one\n");
+    leave_first_line();
+    EXPECT_EQ(write(ends[1], "three\n", 6), 6);
+    close(ends[1]);
+    open_input(name.c_str());
+    for (const char* line : {"one\n", "two\n", "three\n", ""})
+        EXPECT_EQ(next_line(), line);
+    close_input();
+    close(ends[0]);
+}
+
+TEST_F(Lines, a_long_first_one_of_a_pipe_can_be_read_again) {
+    const std::string full(399, 'a');
+    int ends[2];
+    const std::string name = pipe_with(full + full + "b\n", ends);
+    close(ends[1]);
+    open_input(name.c_str());
+    EXPECT_EQ(next_line(), full);
+    leave_first_line();
+    open_input(name.c_str());
+    for (const std::string& line : {full, full, std::string("b\n"), std::string()})
+        EXPECT_EQ(next_line(), line);
+    close_input();
+    close(ends[0]);
+}
+
+TEST_F(Lines, a_file_is_opened_again_by_its_name) {
+    const text_file_t one("one\n"), two("two\n");
+    open_input(one.name());
+    next_line();
+    leave_first_line();
+    open_input(two.name());
+    EXPECT_EQ(next_line(), "two\n");
+    close_input();
 }

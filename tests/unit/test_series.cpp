@@ -188,6 +188,18 @@ TEST_F(Series, widths_of_an_image_follow_its_width) {
     EXPECT_EQ(command(), text({"plot  ", TSMS, ", ", BARS, SMS, "\n"}));
 }
 
+TEST_F(Series, widths_are_exact) {
+    make_store({P_GINT_S, P_GINT_SMS});
+    smsErrBars = 1;
+    LineWidthFactor = ErrLineWidthFactor = PointSizeFactor = 1e6;
+    EXPECT_TRUE(contains(command(), " lw 1000000.0 lc"));
+    EXPECT_TRUE(contains(command(), " pt 6 ps 700000.0 lw 1000000.0 lc"));
+    MakeImage = IMG_PNG;
+    wx = 1000;
+    EXPECT_TRUE(contains(command(), " pt 0 lw 1800000.0 lc"));
+    EXPECT_TRUE(contains(command(), " pt 6 ps 1200000.0 lw 2000000.0 lc"));
+}
+
 // ---- Deviations --------------------------------------------------------------------------------
 
 // Columns 1 to 4: theory, experiment, delta, deviations.

@@ -16,9 +16,25 @@ using Stacking = Fresh;
 
 // ---- Abscissae and ordinates -------------------------------------------------------------------
 
-enum spacing_t { REGULAR, IRREGULAR, REPEATED, UNSORTED, FALLING };
+enum spacing_t { REGULAR, IRREGULAR, UNSORTED, FALLING, EXTREME, REPEATED };
+
+// Rising, but from one end of the numbers to the other, and with both zeros.
+static column_t extreme_abscissae(random_t* random, int n) {
+    const double inf = std::numeric_limits<double>::infinity();
+    column_t x;
+    for (const double value : {-inf, -1e300, -1.0, -5e-324, random->below(2) == 0 ? 0.0 : -0.0,
+                               5e-324, 0.5, 5.0, 1e300, inf}) {
+        if (random->below(3) != 0 && static_cast<int>(x.size()) < n)
+            x.push_back(value);
+    }
+    while (static_cast<int>(x.size()) < n)
+        x.push_back(x.empty() ? 1.0 : std::nextafter(x.back(), inf) + 0.5);
+    return x;
+}
 
 static column_t abscissae(random_t* random, spacing_t spacing, int n) {
+    if (spacing == EXTREME)
+        return extreme_abscissae(random, n);
     const double step = 0.05 + random->unit();
     column_t x;
     double value = 10.0 * random->unit();
@@ -35,6 +51,24 @@ static column_t abscissae(random_t* random, spacing_t spacing, int n) {
         std::swap(x[static_cast<std::size_t>(random->below(n))],
                   x[static_cast<std::size_t>(random->below(n))]);
     return x;
+}
+
+using spacings_t = std::vector<spacing_t>;
+
+// The abscissae of an experiment: all curves have the same, or there are a few, or many.
+static std::vector<column_t> choices(random_t* random, const spacings_t& spacings) {
+    static const int counts[] = {1, 1, 2, 3, 20};
+    std::vector<column_t> xs;
+    for (int count = counts[random->below(5)]; count > 0; count--) {
+        const spacing_t spacing =
+            spacings[static_cast<std::size_t>(random->below(static_cast<int>(spacings.size())))];
+        xs.push_back(abscissae(random, spacing, 1 + random->below(random->below(9) ? 30 : 200)));
+    }
+    return xs;
+}
+
+static const column_t& choose(random_t* random, const std::vector<column_t>& xs) {
+    return xs[static_cast<std::size_t>(random->below(static_cast<int>(xs.size())))];
 }
 
 // Smooth-looking or wild, now and then of few values, so that equal ones and zeros occur.
@@ -96,17 +130,15 @@ static void expect_same_shift(naive_buffer_t* naive, const column_t& x, const co
 }
 
 // Adds some curves and after each of them looks up points, its own among them, and shifts.
-static void compare_buffers(unsigned seed, spacing_t spacing, bool equal_abscissae, bool hostile) {
+static void compare_buffers(unsigned seed, const spacings_t& spacings, bool hostile) {
     SCOPED_TRACE(seed);
     random_t random(seed);
     naive_buffer_t naive;
     buf_initialize();
-    const int points = 1 + random.below(random.below(4) == 0 ? 200 : 12);
-    column_t x = abscissae(&random, spacing, points);
+    const std::vector<column_t> xs = choices(&random, spacings);
     for (int curve = 0; curve < 8; curve++) {
-        const int n = equal_abscissae ? points : 1 + random.below(30);
-        if (!equal_abscissae)
-            x = abscissae(&random, spacing, n);
+        const column_t& x = choose(&random, xs);
+        const int n = static_cast<int>(x.size());
         const column_t y = hostile ? hostile_ordinates(&random, n) : ordinates(&random, n);
         expect_same_shift(&naive, x, y, random.below(2) == 0 ? +1.0 : -1.0);
         const double shift = hostile ? 0.0 : 5.0 * random.unit();
@@ -121,39 +153,37 @@ static void compare_buffers(unsigned seed, spacing_t spacing, bool equal_absciss
     }
 }
 
-static void compare_many(unsigned seed, spacing_t spacing, bool hostile = false) {
-    for (unsigned i = 0; i < 60; i++) {
-        compare_buffers(seed + i, spacing, i % 2 == 0, hostile);
+static void compare_many(unsigned seed, const spacings_t& spacings) {
+    for (unsigned i = 0; i < 150; i++) {
+        compare_buffers(seed + i, spacings, i % 3 == 0);
         if (testing::Test::HasFatalFailure())
             return;
     }
 }
 
-TEST_F(Stacking, regular_abscissae_have_the_naive_envelope) {
-    compare_many(1000, REGULAR);
-}
-
-TEST_F(Stacking, irregular_abscissae_have_the_naive_envelope) {
-    compare_many(2000, IRREGULAR);
+TEST_F(Stacking, rising_abscissae_have_the_naive_envelope) {
+    compare_many(1000, {REGULAR});
+    compare_many(2000, {IRREGULAR});
+    compare_many(3000, {EXTREME});
 }
 
 TEST_F(Stacking, falling_abscissae_have_the_naive_envelope) {
-    compare_many(3000, FALLING);
+    compare_many(4000, {FALLING});
 }
 
 TEST_F(Stacking, unsorted_abscissae_follow_the_naive_search) {
-    compare_many(4000, UNSORTED);
+    compare_many(5000, {UNSORTED});
 }
 
-TEST_F(Stacking, hostile_ordinates_have_the_naive_envelope) {
-    compare_many(5000, REGULAR, true);
-    compare_many(6000, UNSORTED, true);
+TEST_F(Stacking, rising_and_unsorted_abscissae_may_be_mixed) {
+    compare_many(6000, {REGULAR, IRREGULAR, UNSORTED, FALLING, EXTREME});
+    compare_many(7000, {REGULAR, REGULAR, REGULAR, UNSORTED});
 }
 
 // Where the naive computation meets a step the run ends, and nowhere else.
 TEST_F(Stacking, repeated_abscissae_end_where_the_naive_search_ends) {
     int steps = 0;
-    for (unsigned seed = 7000; seed < 7060; seed++) {
+    for (unsigned seed = 8000; seed < 8060; seed++) {
         SCOPED_TRACE(seed);
         bool is_step = false;
         random_t random(seed);
@@ -198,19 +228,15 @@ static const int DRAWN_KINDS[15] = {P_GINT_INT,  P_GINT_BGL,  P_GINT_SMS,  P_GIN
                                     P_GINT_RBGL, P_GINT_SMSS, P_GINT_INTS, P_GINT_LINT,
                                     P_GINT_LBGL, P_GINT_TINT, P_GINT_DINT};
 
-static void make_store(random_t* random, spacing_t spacing, bool equal_abscissae, int sets) {
+static void make_store(random_t* random, const spacings_t& spacings, int sets) {
     std::vector<int> kinds = {P_GINT_S};
     for (int columns = 1 + random->below(6); columns > 0; columns--)
         kinds.push_back(DRAWN_KINDS[random->below(15)]);
     set_plot_columns(kinds);
-    int n = 2 + random->below(40);
-    column_t x = abscissae(random, spacing, n);
+    const std::vector<column_t> xs = choices(random, spacings);
     for (int c = 0; c < sets; c++) {
-        if (!equal_abscissae) {
-            n = 1 + random->below(40);
-            x = abscissae(random, spacing, n);
-        }
-        std::vector<column_t> columns = {x};
+        std::vector<column_t> columns = {choose(random, xs)};
+        const int n = static_cast<int>(columns[0].size());
         for (std::size_t j = 1; j < kinds.size(); j++)
             columns.push_back(random->below(20) == 0 ? column_t() : ordinates(random, n));
         add_set(c + 1, 1 + random->below(2), columns);
@@ -222,11 +248,11 @@ static void make_store(random_t* random, spacing_t spacing, bool equal_abscissae
     smsErrBars = random->below(2);
 }
 
-static void compare_phases(unsigned seed, spacing_t spacing, int sets) {
+static void compare_phases(unsigned seed, const spacings_t& spacings, int sets) {
     SCOPED_TRACE(seed);
     reset_state();
     random_t random(seed);
-    make_store(&random, spacing, seed % 2 == 0, sets);
+    make_store(&random, spacings, sets);
     const naive_stack_t expected = naive_stack(1, 1);
     ASSERT_EQ(said([] { calc_shifts(1, 1); }), expected.trace);
     for (std::size_t k = 0; k < expected.shift.size(); k++) {
@@ -236,31 +262,30 @@ static void compare_phases(unsigned seed, spacing_t spacing, int sets) {
     ASSERT_EQ(Nbuf, 0);
 }
 
-static void compare_many_phases(unsigned seed, spacing_t spacing) {
-    for (unsigned i = 0; i < 100; i++) {
-        compare_phases(seed + i, spacing, static_cast<int>(i % 12));
+static void compare_many_phases(unsigned seed, const spacings_t& spacings) {
+    for (unsigned i = 0; i < 120; i++) {
+        compare_phases(seed + i, spacings, static_cast<int>(i % 12));
         if (testing::Test::HasFatalFailure())
             return;
     }
 }
 
-TEST_F(Stacking, phases_over_regular_abscissae_are_as_the_naive_one) {
-    compare_many_phases(10000, REGULAR);
-}
-
-TEST_F(Stacking, phases_over_irregular_abscissae_are_as_the_naive_one) {
-    compare_many_phases(20000, IRREGULAR);
+TEST_F(Stacking, phases_over_rising_abscissae_are_as_the_naive_one) {
+    compare_many_phases(10000, {REGULAR});
+    compare_many_phases(20000, {IRREGULAR, EXTREME});
 }
 
 TEST_F(Stacking, phases_over_unsorted_abscissae_are_as_the_naive_one) {
-    compare_many_phases(30000, UNSORTED);
+    compare_many_phases(30000, {UNSORTED});
+    compare_many_phases(40000, {FALLING});
 }
 
-TEST_F(Stacking, phases_over_falling_abscissae_are_as_the_naive_one) {
-    compare_many_phases(40000, FALLING);
+TEST_F(Stacking, phases_over_mixed_abscissae_are_as_the_naive_one) {
+    compare_many_phases(50000, {REGULAR, IRREGULAR, UNSORTED, FALLING, EXTREME});
 }
 
 TEST_F(Stacking, a_phase_of_many_sets_is_as_the_naive_one) {
-    compare_phases(50000, REGULAR, 100);
-    compare_phases(50001, IRREGULAR, 100);
+    compare_phases(60000, {REGULAR}, 100);
+    compare_phases(60001, {IRREGULAR}, 100);
+    compare_phases(60002, {IRREGULAR, UNSORTED}, 100);
 }
