@@ -16,7 +16,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 CCL4 = ROOT / "examples" / "ccl4.out"
 BENZENE = ROOT / "examples" / "benzene.out"
 PROGRAM = pathlib.Path()
-TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not under a checker on a busy machine
+TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not on a busy machine
 KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
 
 PIPE_LINE = "Unable to close GnuPlot pipe.\n"
