@@ -34,7 +34,7 @@ class Complaints(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
         self.env = {name: value for name, value in os.environ.items() if KEPT.fullmatch(name)}
-        # Where letters are ASCII alone, gnuplot warns about the encoding that every plot sets.
+        # In the C locale gnuplot alone would warn about the encoding that every plot sets.
         self.env.update(LC_ALL="C.UTF-8", HOME=folder.name)
 
     def start(self, command, **more):
@@ -80,6 +80,11 @@ class Complaints(unittest.TestCase):
     def test_deviations_print_no_complaint(self):
         done = self.gravlex("--data", "sms,tsms,dsms,smss", "--curves", "1-1", "--smserrbars",
                             "--dsmserrfill", "--png", "a.png", CCL4)
+        self.assertIn(done.stderr, ("", PIPE_LINE))
+        self.image("a.png")
+
+    def test_image_prints_no_complaint_in_the_c_locale(self):
+        done = self.gravlex(*ONE_PLOT, "--png", "a.png", CCL4, LC_ALL="C")
         self.assertIn(done.stderr, ("", PIPE_LINE))
         self.image("a.png")
 
