@@ -173,11 +173,16 @@ static const char* short_name(int l) {
     return "?";
 }
 
-naive_stack_t naive_stack(int i, int j) {
-    naive_stack_t stack;
+static double& shift_in(naive_stack_t* stack, int k, int l) {
+    return stack->shift[static_cast<std::size_t>(k)][static_cast<std::size_t>(l)];
+}
+
+static bool is_in_plot(int k, int l, int i, int j) {
+    return CurvePlotGroup[k] == i && ColPlotGroup[l] == j;
+}
+
+static void place_all(naive_stack_t* stack, int i, int j) {
     naive_buffer_t placed;
-    for (int k = 0; k < Ncurves; k++)
-        stack.shift.emplace_back(CurveShift[k], CurveShift[k] + NcolsToPlot);
     for (int stage = 0; stage < 4; stage++) {
         bool has_gap = false;
         double gap = 0.0;
@@ -185,51 +190,56 @@ naive_stack_t naive_stack(int i, int j) {
             bool has_shared = false;
             double shared = 0.0;
             for (int l = 1; l < NcolsToPlot; l++) {
-                if (CurvePlotGroup[k] != i || ColPlotGroup[l] != j ||
-                    stage_of(PlotColType[l]) != stage || Curve[k][l] == nullptr)
+                if (!is_in_plot(k, l, i, j) || stage_of(PlotColType[l]) != stage ||
+                    Curve[k][l] == nullptr)
                     continue;
-                double& shift =
-                    stack.shift[static_cast<std::size_t>(k)][static_cast<std::size_t>(l)];
                 const column_t x = values_of(k, 0), y = values_of(k, l);
-                if (has_shared) {
-                    shift = shared;
-                } else {
-                    tell(&stack.trace, "bcs> n=%zu Nbuf=%zu\n", x.size(), placed.size());
+                if (!has_shared) {
+                    tell(&stack->trace, "bcs> n=%zu Nbuf=%zu\n", x.size(), placed.size());
                     const bool up = stage == 0 || stage == 2;
                     const naive_shift_t found = placed.shift_of(x, y, up ? +1.0 : -1.0);
                     if (!has_gap)
                         gap = gap_of(stage, found.lowest, found.highest);
                     has_gap = true;
-                    shift = found.shift + gap;
-                    shared = shift;
+                    shared = found.shift + gap;
                     has_shared = up;
                 }
-                tell(&stack.trace, "%s (%d-%d)> i=%d, j=%d, k=%d, l=%d (shift=%f)\n",
-                     short_name(l), CurveNd[k], CurveNc[k], i, j, k, l, shift);
-                placed.add(x, y, shift);
+                shift_in(stack, k, l) = shared;
+                tell(&stack->trace, "%s (%d-%d)> i=%d, j=%d, k=%d, l=%d (shift=%f)\n",
+                     short_name(l), CurveNd[k], CurveNc[k], i, j, k, l, shared);
+                placed.add(x, y, shared);
             }
         }
     }
-    if (deviations_shown()) {
-        for (int k = 0; k < Ncurves; k++) {
-            for (int l = 1; l < NcolsToPlot; l++) {
-                if (CurvePlotGroup[k] == i && ColPlotGroup[l] == j &&
-                    PlotColType[l] == P_GINT_SMSS)
-                    stack.shift[static_cast<std::size_t>(k)][static_cast<std::size_t>(l)] = 0.0;
-            }
-        }
-    }
+}
+
+static void multiply_all(naive_stack_t* stack, int i, int j) {
     const double factor = ShiftMult == 0.0 ? 1.0 : ShiftMult;
-    tell(&stack.trace, "shiftMult=%f\n", factor);
+    tell(&stack->trace, "shiftMult=%f\n", factor);
     for (int k = 0; k < Ncurves; k++) {
         for (int l = 1; l < NcolsToPlot; l++) {
-            if (CurvePlotGroup[k] != i || ColPlotGroup[l] != j)
+            if (!is_in_plot(k, l, i, j))
                 continue;
-            double& shift = stack.shift[static_cast<std::size_t>(k)][static_cast<std::size_t>(l)];
+            double& shift = shift_in(stack, k, l);
+            if (PlotColType[l] == P_GINT_SMSS && deviations_shown())
+                shift = 0.0;
             shift = shift * factor;
-            tell(&stack.trace, "%s (%d-%d) AutoShift=%f\n", short_name(l), CurveNd[k], CurveNc[k],
+            tell(&stack->trace, "%s (%d-%d) AutoShift=%f\n", short_name(l), CurveNd[k], CurveNc[k],
                  shift);
         }
     }
+}
+
+naive_stack_t naive_stack(int curve_group, int column_group) {
+    naive_stack_t stack = {{}, "", false};
+    for (int k = 0; k < Ncurves; k++)
+        stack.shift.emplace_back(CurveShift[k], CurveShift[k] + NcolsToPlot);
+    try {
+        place_all(&stack, curve_group, column_group);
+    } catch (const step_error_t&) {
+        stack.is_step = true;
+        return stack;
+    }
+    multiply_all(&stack, curve_group, column_group);
     return stack;
 }

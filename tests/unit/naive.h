@@ -41,10 +41,11 @@ class naive_buffer_t {
 };
 
 // What the shift phase makes of the store for a plot: one row of shifts a data set, and the text
-// that it prints. The store is only read.
+// that it prints. A step ends it half way. The store is only read.
 struct naive_stack_t {
     std::vector<std::vector<double>> shift;
     std::string trace;
+    bool is_step;
 };
 
 naive_stack_t naive_stack(int curve_group, int column_group);

@@ -195,10 +195,12 @@ TEST_F(Driver, a_combine_mask_that_matches_nothing_leaves_an_empty_panel) {
 // ---- Without data ------------------------------------------------------------------------------
 
 TEST_F(Driver, without_sets_gnuplot_is_not_started) {
-    const run_t run = run_program(VERSION_1 + "no table\n", {});
-    EXPECT_EQ(run.ended.status, 0);
-    EXPECT_EQ(run.ended.err, "");
-    EXPECT_EQ(run.streams.size(), 0U);
+    for (const std::string& version : {VERSION_1, VERSION_2}) {
+        const run_t run = run_program(version + "no table\n", {});
+        EXPECT_EQ(run.ended.status, 0);
+        EXPECT_EQ(run.ended.err, "");
+        EXPECT_EQ(run.streams.size(), 0U);
+    }
 }
 
 TEST_F(Driver, without_sets_a_combine_list_starts_a_gnuplot_all_the_same) {
@@ -207,6 +209,22 @@ TEST_F(Driver, without_sets_a_combine_list_starts_a_gnuplot_all_the_same) {
     EXPECT_EQ(run.ended.status, 0);
     ASSERT_EQ(run.streams.size(), 1U);
     EXPECT_EQ(count(run.streams[0], "\nplot \n"), 2);
+}
+
+TEST_F(Driver, without_columns_gnuplot_is_not_started) {
+    for (const char* page : {"--legend", "--no-multiplot"}) {
+        const run_t run = run_program(VERSION_1 + "no table\n", {"--curves", "9-9", page});
+        EXPECT_EQ(run.ended.status, 0);
+        EXPECT_EQ(run.streams.size(), 0U);
+    }
+}
+
+// Without a header row, layout 2 leaves columns of no kind.
+TEST_F(Driver, columns_of_no_kind_end_the_run_inside_the_plot) {
+    const run_t run = run_program(VERSION_2 + "no table\n", {"--curves", "9-9"});
+    EXPECT_EQ(run.ended.status, 1);
+    EXPECT_TRUE(ends_with(run.ended.out, "\nUnknown data type: 0\n"));
+    EXPECT_EQ(run.ended.err, "");
 }
 
 TEST_F(Driver, a_set_without_rows_ends_the_run_before_gnuplot) {
