@@ -66,6 +66,13 @@ static FILE* start_without_display(FILE* (*start)()) {
     return pipe;
 }
 
+// Makes the file our standard error. It can only be busy or be interrupted, and both pass: what we
+// have to say must not stay among the collected complaints.
+static void set_standard_error(int file) {
+    while (dup2(file, STDERR_FILENO) == -1)
+        continue;
+}
+
 // Starts the process with a file for its standard error. Where there is none to be had, it has
 // ours after all.
 static FILE* start_collected() {
@@ -79,10 +86,10 @@ static FILE* start_collected() {
         Complaints = nullptr;
         return start_process();
     }
-    dup2(file, STDERR_FILENO);
+    set_standard_error(file);
     FILE* pipe = start_process();
     const int error = errno;
-    dup2(own, STDERR_FILENO);
+    set_standard_error(own);
     close(own);
     errno = error;
     return pipe;
@@ -203,6 +210,10 @@ static bool is_warning(const char* text) {
                 "use a datablock instead");
 }
 
+[[noreturn]] static void fail_to_read() {
+    fail(stderr, "Cannot read the messages of gnuplot: %s\n", std::strerror(errno));
+}
+
 // Reads the line after the one read last. False at the end of the text.
 static bool next_line(text_line_t* line, bool is_piece) {
     std::size_t length = 0;
@@ -216,7 +227,7 @@ static bool next_line(text_line_t* line, bool is_piece) {
     line->is_piece = is_piece;
     line->has_newline = c == '\n';
     if (std::ferror(Complaints))
-        fail(stderr, "Cannot read the messages of gnuplot: %s\n", std::strerror(errno));
+        fail_to_read();
     return length > 0 || line->has_newline;
 }
 
@@ -270,7 +281,8 @@ void gnuplot_close() {
     const int status = pclose(f);
     f = nullptr;
     if (Complaints != nullptr) {
-        std::rewind(Complaints);
+        if (std::fseek(Complaints, 0, SEEK_SET) != 0)
+            fail_to_read();
         pass_on_collected();
         std::fclose(Complaints);
         Complaints = nullptr;
