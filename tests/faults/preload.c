@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+//
+// Preloaded into the program, and into nothing that it starts, to make what it asks for fail:
+//
+//     FAULTS_MEMORY=N     the N-th allocation fails; N+ and all after it
+//     FAULTS_SPACE=SIZE   so many KiB of memory are left, for real
+//     FAULTS_READ=SIZE    a read gives at most so many bytes; -SIZE one byte more each time
+//     FAULTS_FILES=LIMIT  so many descriptors are allowed (the dynamic linker needs more)
+//     FAULTS_NOTE=FILE    is told the library that asked for each allocation that failed
+//
+// Allocations count from the start of the process until it exits; what comes then belongs to tools
+// that watch the program. Those of two functions of popt do not
+// count: they do not look whether they got what they asked for, and crash, or go on without an
+// argument. Their few small blocks come from what every process has left of the heap that the C++
+// library begins with; FAULTS_SPACE shows that they do.
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <popt.h>
+#include <stddef.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+static long Memory = 0;       // the allocation to fail, 0 for none
+static int AllAfter = 0;      // and all after it
+static long Allocations = 0;  // so far
+static int Over = 0;          // the program has ended
+static int InPopt = 0;        // a function of popt is running that cannot do without
+static long ReadSize = 0;
+static int Growing = 0;  // ReadSize
+static const char* Note = NULL;
+
+static void stop_counting(void) {
+    Over = 1;
+}
+
+// Sets the limit to what the variable says above what is used already, if it says something.
+static void limit(__rlimit_resource_t resource, const char* variable, rlim_t used, rlim_t unit) {
+    const char* text = getenv(variable);
+    if (text == NULL)
+        return;
+    const rlim_t value = used + unit * (rlim_t)strtoul(text, NULL, 10);
+    if (setrlimit(resource, &(struct rlimit){value, value}) != 0)
+        _exit(99);
+}
+
+static rlim_t used_space(void) {
+    char text[100] = "";
+    const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+    if (read(file, text, sizeof text - 1) == -1)
+        return 0;
+    close(file);
+    return (rlim_t)strtoul(text, NULL, 10) * (rlim_t)sysconf(_SC_PAGESIZE);
+}
+
+__attribute__((constructor)) static void prepare(void) {
+    const char* text = getenv("FAULTS_MEMORY");
+    char* end;
+    if (text != NULL) {
+        Memory = strtol(text, &end, 10);
+        AllAfter = *end == '+';
+    }
+    text = getenv("FAULTS_READ");
+    if (text != NULL) {
+        Growing = *text == '-';
+        ReadSize = strtol(text + Growing, NULL, 10);
+    }
+    limit(RLIMIT_NOFILE, "FAULTS_FILES", 0, 1);
+    limit(RLIMIT_AS, "FAULTS_SPACE", used_space(), 1024);
+    Note = getenv("FAULTS_NOTE");
+    unsetenv("LD_PRELOAD");
+}
+
+// ---- Memory ------------------------------------------------------------------------------------
+
+static void take_note(const void* caller) {
+    Dl_info info;
+    const char* name = dladdr(caller, &info) != 0 ? info.dli_fname : "nobody";
+    const int file = open(Note, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (write(file, name, strlen(name)) == -1 || write(file, "\n", 1) == -1)
+        _exit(99);
+    close(file);
+}
+
+static int is_refused(const void* caller) {
+    if (Over || InPopt || Memory == 0)
+        return 0;
+    Allocations++;
+    if (AllAfter ? Allocations < Memory : Allocations != Memory)
+        return 0;
+    if (Note != NULL)
+        take_note(caller);
+    errno = ENOMEM;
+    return 1;
+}
+
+#define CALLER __builtin_return_address(0)
+// The function that would have been called without this library.
+#define NEXT(name, ...) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))(__VA_ARGS__)
+
+void* malloc(size_t size) {
+    return is_refused(CALLER) ? NULL : NEXT(malloc, size);
+}
+
+void* calloc(size_t count, size_t size) {
+    return is_refused(CALLER) ? NULL : NEXT(calloc, count, size);
+}
+
+void* realloc(void* block, size_t size) {
+    return is_refused(CALLER) ? NULL : NEXT(realloc, block, size);
+}
+
+// On its own, since the next one would come back to realloc and count twice.
+void* reallocarray(void* block, size_t count, size_t size) {
+    if (is_refused(CALLER))
+        return NULL;
+    if (size != 0 && count > SIZE_MAX / size) {
+        errno = ENOMEM;
+        return NULL;
+    }
+    return NEXT(realloc, block, count * size);
+}
+
+void* aligned_alloc(size_t alignment, size_t size) {
+    return is_refused(CALLER) ? NULL : NEXT(aligned_alloc, alignment, size);
+}
+
+int posix_memalign(void** block, size_t alignment, size_t size) {
+    return is_refused(CALLER) ? ENOMEM : NEXT(posix_memalign, block, alignment, size);
+}
+
+// ---- popt --------------------------------------------------------------------------------------
+
+poptContext poptGetContext(const char* name, int argc, const char** argv,
+                           const struct poptOption* options, unsigned flags) {
+    atexit(stop_counting);  // here, because in the constructor would be too early to run first
+    return NEXT(poptGetContext, name, argc, argv, options, flags);
+}
+
+int poptGetNextOpt(poptContext context) {
+    InPopt = 1;
+    const int code = NEXT(poptGetNextOpt, context);
+    InPopt = 0;
+    return code;
+}
+
+void poptPrintUsage(poptContext context, FILE* stream, int flags) {
+    InPopt = 1;
+    NEXT(poptPrintUsage, context, stream, flags);
+    InPopt = 0;
+}
+
+// ---- Reading -----------------------------------------------------------------------------------
+
+static size_t cut(size_t size) {
+    if (ReadSize == 0 || size <= (size_t)ReadSize)
+        return size;
+    size = (size_t)ReadSize;
+    ReadSize += Growing;
+    return size;
+}
+
+ssize_t read(int file, void* buffer, size_t size) {
+    return NEXT(read, file, buffer, cut(size));
+}
+
+// What a program built with _FORTIFY_SOURCE calls.
+ssize_t __read_chk(int file, void* buffer, size_t size, size_t room);
+ssize_t __read_chk(int file, void* buffer, size_t size, size_t room) {
+    return NEXT(__read_chk, file, buffer, cut(size), room);
+}

@@ -1,0 +1,141 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Lets every allocation of a run fail, once and for ever, until there is none left to fail.
+
+All allocations count: those of the program, and those that the C and C++ libraries and popt make
+for it, but for two functions of popt (see preload.c). Then memory runs out for real, at more and
+more of it, and there all of popt counts, too.
+"""
+
+import collections
+import itertools
+import os
+import pathlib
+import sys
+import tempfile
+
+import harness
+
+# Name: arguments and environment.
+RUNS = {
+    "layout 1": ("--no-autoshifts one.out", {}),
+    "layout 2": ("--no-autoshifts two.out", {}),
+    "stacked": ("--data sms,tsms,dsms --curves 1-1,2-1 two.out", {}),
+    "long": ("--data sms,tsms --curves 1-1,2-1 --smserrfill long.out", {}),
+    "image": ("--data sms,smss --curves 1-1,2-1 --smserrbars --png a.png one.out", {}),
+    "images": ("--dread sms,tsms --no-multiplot --svg a.svg two.out", {"GNUTERM": ""}),
+    "screen": ("--data sms --ccombine 1-1 --term x11 --eps a.eps one.out", {"DISPLAY": ":0"}),
+    "usage": ("", {}),
+    "help": ("--help", {}),
+    "version": ("--version", {}),
+    "wrong option": ("--dread sms --cread 1-1 --nonsense", {}),
+    "no input": ("none.out", {}),
+}
+FILES = {"one.out": harness.layout_1(), "two.out": harness.layout_2(),
+         "long.out": harness.layout_1(points=900)}
+BIG = "--data sms,tsms,dsms --curves 1-1,2-1 --smserrbars big.out"
+BIG_FILES = {"big.out": harness.layout_1(points=8000)}
+MESSAGE = b"Cannot allocate memory\n"
+BUFFER_MESSAGE = b"Cannot allocate memory for buffer!\n"
+STEP = 16  # runs before the end is looked for
+
+
+class Tally:
+    """What came of all runs."""
+    runs = 0
+    failed = 0
+    outcomes = collections.Counter()
+    messages = collections.Counter()
+
+
+def judge(what, result, wrong, caller=""):
+    Tally.runs += 1
+    Tally.messages[result.stderr] += 1
+    ending = result.stderr.decode("latin-1").strip() or "no word on standard error"
+    Tally.outcomes[caller, result.status, ending] += 1
+    if wrong:
+        Tally.failed += 1
+        print(f"{what}: {'; '.join(wrong)}\n{harness.describe(result)}")
+
+
+def run(options, name, memory):
+    """The result, and the library that asked for the first allocation that failed."""
+    arguments, env = RUNS[name]
+    with tempfile.TemporaryDirectory(prefix="gravlex-note-") as folder:
+        note = pathlib.Path(folder, "note")
+        env = dict(env, LD_PRELOAD=options.preload, FAULTS_MEMORY=memory, FAULTS_NOTE=str(note))
+        result = harness.run([options.program, *arguments.split()], FILES, options.gnuplot, env)
+        caller = note.read_text().splitlines()[0] if note.exists() else None
+        return result, caller and os.path.basename(caller)
+
+
+def wrong_message(options, result, caller):
+    """What the program itself asked for in vain and cannot do without has its own words."""
+    own = caller == os.path.basename(options.program) and result.status == 1
+    if own and not result.stderr.endswith((MESSAGE, BUFFER_MESSAGE)):
+        return ["its own allocation failed without its own message"]
+    return []
+
+
+def fail_each(options, name, kind):
+    """Runs with the first, second ... allocation failing. How many there were."""
+    right, _ = run(options, name, "1000000000")
+    for first in itertools.count(1, STEP):
+        numbers = range(first, first + STEP)
+        results = harness.side_by_side(lambda n: run(options, name, f"{n}{kind}"), numbers)
+        for number, (result, caller) in zip(numbers, results):
+            if caller is None:
+                judge(f"{name}, undisturbed", result, [] if result == right else ["changed"])
+                return number - 1
+            judge(f"{name}, allocation {number}{kind} from {caller}", result,
+                  harness.faults_of(result, right) + wrong_message(options, result, caller),
+                  caller)
+
+
+def fail_all(options):
+    for name in RUNS:
+        counts = [fail_each(options, name, kind) for kind in ("", "+")]
+        print(f"{name}: {counts[0]} allocations failed once, {counts[1]} and all after them")
+        if 0 in counts:
+            sys.exit("not one allocation was seen: nothing was tested")
+
+
+def run_short(options, size):
+    env = {} if size is None else {"LD_PRELOAD": options.preload, "FAULTS_SPACE": str(size)}
+    return harness.run([options.program, *BIG.split()], BIG_FILES, options.gnuplot, env)
+
+
+def run_out(options):
+    """Runs with more and more memory, until it is enough."""
+    right = run_short(options, None)
+    places = set()
+    for first in itertools.count(0, 64 * STEP):
+        sizes = range(first, first + 64 * STEP, 64)
+        for size, result in zip(sizes, harness.side_by_side(
+                lambda size: run_short(options, size), sizes)):
+            judge(f"{size} KiB", result, harness.faults_of(result, right))
+            if result.status == 0:
+                print(f"enough at {size} KiB, too little in {len(places)} places before")
+                return len(places) > 2
+            places.add(len(result.stdout) + sum(len(stream) for stream in result.streams))
+
+
+def main():
+    options = harness.options()
+    fail_all(options)
+    # The address sanitizer keeps memory of its own, which has no such end.
+    sanitized = b"__asan_init" in pathlib.Path(options.program).read_bytes()
+    if not sanitized and not run_out(options):
+        sys.exit("memory never ran out: nothing was tested")
+    for (caller, status, ending), count in sorted(Tally.outcomes.items()):
+        print(f"{count:5} {caller}: status {status}, {ending}")
+    for message in (MESSAGE, BUFFER_MESSAGE):
+        if Tally.messages[message] == 0:
+            Tally.failed += 1
+            print("never said:", message)
+    print(f"{Tally.runs} runs, {Tally.failed} failed")
+    sys.exit(Tally.failed > 0)
+
+
+if __name__ == "__main__":
+    main()
