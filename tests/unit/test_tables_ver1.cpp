@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Layout 1: what only its reader does.
+#include <cerrno>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -160,6 +161,11 @@ static double factor_of(const std::string& line) {
     opened(line);
     const double factor = Ncurves == 1 ? CurveScaleFactor[0] : 0.0;
     return factor;
+}
+
+TEST_F(TablesVer1, an_error_from_before_does_not_spoil_a_factor) {
+    errno = ERANGE;
+    EXPECT_EQ(factor_of("Curve: (1-1) =2.5 "), 2.5);
 }
 
 TEST_F(TablesVer1, the_factor_stands_between_equals_sign_and_blank) {

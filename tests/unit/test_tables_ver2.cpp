@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Layout 2: what only its reader does.
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -186,6 +187,11 @@ TEST_F(TablesVer2, the_factor_is_looked_for_until_its_mark_comes) {
 TEST_F(TablesVer2, a_factor_that_nothing_ends_is_1) {
     const std::string filler(LINE_SIZE - 1 - 7, 'x');  // so that the line is cut after the factor
     EXPECT_EQ(factor_of(filler + "Scale=7"), 1.0);
+}
+
+TEST_F(TablesVer2, an_error_from_before_does_not_spoil_a_factor) {
+    errno = ERANGE;
+    EXPECT_EQ(factor_of("Scale=2.5 "), 2.5);
 }
 
 TEST_F(TablesVer2, a_factor_without_digits_ends_the_run) {
