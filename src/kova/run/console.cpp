@@ -40,8 +40,10 @@ static void open_closed_streams() {
             continue;
         // Standard input must stay unreadable, lest /dev/stdin pass for an empty file.
         const int opened = fd == STDIN_FILENO ? open("/", O_PATH) : open("/dev/null", O_WRONLY);
-        if (opened != fd)
+        if (opened != fd) {
+            dprintf(STDERR_FILENO, "Cannot replace a closed stream: %s\n", std::strerror(errno));
             _exit(EXIT_FAILURE);
+        }
     }
 }
 
