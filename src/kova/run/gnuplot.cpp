@@ -17,6 +17,7 @@
 // complaints about data are to be expected, its standard error is collected while it runs and
 // passed on without them once it has ended.
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -95,9 +96,16 @@ static FILE* start_collected() {
     return pipe;
 }
 
+// A file that grows to the limit on the size of files ends the gnuplot that writes to it, in the
+// middle of its image.
+static bool files_are_limited() {
+    struct rlimit limit;
+    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+}
+
 void gnuplot_start() {
     flush_output();  // gnuplot may write to the same standard output
-    const bool collected = image_is_written() || page_has_panels();
+    const bool collected = (image_is_written() || page_has_panels()) && !files_are_limited();
     FILE* (*start)() = collected ? start_collected : start_process;
     WithoutDisplay = needs_no_display();
     f = WithoutDisplay ? start_without_display(start) : start();
