@@ -99,8 +99,9 @@ static FILE* start_collected() {
 // A file that grows to the limit on the size of files ends the gnuplot that writes to it, in the
 // middle of its image.
 static bool files_are_limited() {
-    struct rlimit limit;
-    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    struct rlimit limit = {RLIM_INFINITY, RLIM_INFINITY};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    return limit.rlim_cur != RLIM_INFINITY;
 }
 
 void gnuplot_start() {
