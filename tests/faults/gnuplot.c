@@ -5,10 +5,12 @@
 // standard input in $RECORD/gnuplot-N.in. By default it reads all and ends with status 0.
 //
 //     STANDIN_TAKE=SIZE   reads so many bytes, no more
-//     STANDIN_SAY=TEXT    says so on standard error
+//     STANDIN_SAY=TEXT    says so on standard error, STANDIN_TIMES=N times
+//     STANDIN_HANG=1      waits for a signal before it ends
 //     STANDIN_STATUS=N    ends with this status
 //     STANDIN_SIGNAL=N    ends by this signal
 #include <fcntl.h>
+#include <limits.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -60,17 +62,22 @@ static void note_input(int* number, size_t left) {
     close(out);
 }
 
+static int number_in(const char* variable, int otherwise) {
+    const char* text = getenv(variable);
+    return text != NULL ? atoi(text) : otherwise;
+}
+
 int main(int argc, char** argv) {
-    int number = argc > 0 ? 1 : 0;
-    const char* take = getenv("STANDIN_TAKE");
+    (void)argc;
+    int number = 1;
     const char* text = getenv("STANDIN_SAY");
-    const char* ending = getenv("STANDIN_SIGNAL");
     note_arguments(argv, &number);
-    note_input(&number, take != NULL ? (size_t)atol(take) : (size_t)-1);
-    if (text != NULL)
+    note_input(&number, (size_t)number_in("STANDIN_TAKE", INT_MAX));
+    for (int i = number_in("STANDIN_TIMES", 1); text != NULL && i > 0; i--)
         put(STDERR_FILENO, text, strlen(text));
-    if (ending != NULL)
-        raise(atoi(ending));
-    ending = getenv("STANDIN_STATUS");
-    return ending != NULL ? atoi(ending) : 0;
+    if (number_in("STANDIN_HANG", 0))
+        pause();
+    if (number_in("STANDIN_SIGNAL", 0))
+        raise(number_in("STANDIN_SIGNAL", 0));
+    return number_in("STANDIN_STATUS", 0);
 }

@@ -6,6 +6,7 @@
 //     FAULTS_SPACE=SIZE   so many KiB of memory are left, for real
 //     FAULTS_READ=SIZE    a read gives at most so many bytes; -SIZE one byte more each time
 //     FAULTS_FILES=LIMIT  so many descriptors are allowed (the dynamic linker needs more)
+//     FAULTS_GROW=FILE    a piece of FILE is appended to what is read, before each read
 //     FAULTS_NOTE=FILE    is told the library that asked for each allocation that failed
 //
 // Allocations count from the start of the process until it exits; what comes then belongs to tools
@@ -31,7 +32,8 @@ static long Allocations = 0;  // so far
 static int Over = 0;          // the program has ended
 static int InPopt = 0;        // a function of popt is running that cannot do without
 static long ReadSize = 0;
-static int Growing = 0;  // ReadSize
+static int Growing = 0;            // ReadSize
+static const char* Source = NULL;  // FAULTS_GROW
 static const char* Note = NULL;
 
 static void stop_counting(void) {
@@ -71,6 +73,7 @@ __attribute__((constructor)) static void prepare(void) {
     }
     limit(RLIMIT_NOFILE, "FAULTS_FILES", 0, 1);
     limit(RLIMIT_AS, "FAULTS_SPACE", used_space(), 1024);
+    Source = getenv("FAULTS_GROW");
     Note = getenv("FAULTS_NOTE");
     unsetenv("LD_PRELOAD");
 }
@@ -164,12 +167,31 @@ static size_t cut(size_t size) {
     return size;
 }
 
+// Appends the next piece of the source to the file that is open for reading.
+static void grow(int file) {
+    static off_t done = 0;
+    char name[32], piece[100];
+    const int source = open(Source, O_RDONLY | O_CLOEXEC);
+    const ssize_t size = pread(source, piece, sizeof piece, done);
+    snprintf(name, sizeof name, "/proc/self/fd/%d", file);
+    const int target = open(name, O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (size == -1 || write(target, piece, (size_t)size) != size)
+        _exit(99);
+    done += size;
+    close(source);
+    close(target);
+}
+
 ssize_t read(int file, void* buffer, size_t size) {
+    if (Source != NULL)
+        grow(file);
     return NEXT(read, file, buffer, cut(size));
 }
 
 // What a program built with _FORTIFY_SOURCE calls.
 ssize_t __read_chk(int file, void* buffer, size_t size, size_t room);
 ssize_t __read_chk(int file, void* buffer, size_t size, size_t room) {
+    if (Source != NULL)
+        grow(file);
     return NEXT(__read_chk, file, buffer, cut(size), room);
 }
