@@ -37,6 +37,20 @@ static look_up_t one(double y) {
     return {1, y, y};
 }
 
+struct shift_t {
+    double shift, lowest, highest;
+    std::string message;
+};
+
+static shift_t shift_of(const column_t& x, const column_t& y, double direction) {
+    shift_t found = {};
+    found.message = said([&] {
+        found.shift = buf_calc_shift(static_cast<int>(x.size()), x.data(), y.data(), &found.lowest,
+                                     &found.highest, direction);
+    });
+    return found;
+}
+
 // ---- Adding and emptying -----------------------------------------------------------------------
 
 TEST_F(CurveBuffer, is_empty_at_the_start) {
@@ -174,6 +188,22 @@ TEST_F(CurveBuffer, two_curves_make_an_envelope) {
     EXPECT_EQ(at(2.0), (look_up_t{2, -3, 10}));
 }
 
+// A later value replaces an equal one neither at the top nor at the bottom, not even the other
+// zero.
+TEST_F(CurveBuffer, of_equal_values_the_first_one_stays) {
+    for (const double first : {0.0, -0.0}) {
+        buf_initialize();
+        add({-1, 1}, {first, first}, -0.0);  // which changes neither zero
+        add({-1, 1}, {-first, -first}, -0.0);
+        const look_up_t found = at(-0.5);
+        EXPECT_EQ(found.count, 2);
+        EXPECT_EQ(bits(found.lowest), bits(first));
+        EXPECT_EQ(bits(found.highest), bits(first));
+        EXPECT_EQ(bits(shift_of({-0.5}, {0.0}, +1.0).shift), bits(first));
+        EXPECT_EQ(bits(shift_of({-0.5}, {0.0}, -1.0).shift), bits(first));
+    }
+}
+
 TEST_F(CurveBuffer, the_bracket_follows_and_never_changes_a_result) {
     column_t x, y;
     for (int k = 0; k < 50; k++) {
@@ -227,20 +257,6 @@ TEST_F(CurveBuffer, a_step_at_the_end_of_a_curve_ends_the_run) {
 }
 
 // ---- The shift of a curve ----------------------------------------------------------------------
-
-struct shift_t {
-    double shift, lowest, highest;
-    std::string message;
-};
-
-static shift_t shift_of(const column_t& x, const column_t& y, double direction) {
-    shift_t found = {};
-    found.message = said([&] {
-        found.shift = buf_calc_shift(static_cast<int>(x.size()), x.data(), y.data(), &found.lowest,
-                                     &found.highest, direction);
-    });
-    return found;
-}
 
 TEST_F(CurveBuffer, nothing_needs_to_be_cleared_in_an_empty_buffer) {
     const shift_t found = shift_of({1, 2, 3}, {5, -2, 7}, +1.0);

@@ -129,6 +129,20 @@ TEST_F(Rows, hostile_ones_are_read_like_the_c_library_reads_them) {
         expect_as_scanned(line);
 }
 
+TEST_F(Rows, long_hostile_ones_are_read_like_the_c_library_reads_them) {
+    const char* const words[] = {"+1", "1e400",  "0x1f", "inf",   "-nan",
+                                 "7.", "1e-400", "2",    "-3.5e2"};
+    random_t random(3);
+    for (int i = 0; i < 2000; i++) {
+        std::string line;
+        for (int count = 8 + random.below(16); count > 0; count--)
+            line += std::string(" ") + words[random.below(9)];
+        expect_as_scanned(line);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
 TEST_F(Rows, random_ones_are_read_like_the_c_library_reads_them) {
     const std::string letters = "0123456789012345678901234567890   \t..--+eExXpPinfaN(),";
     random_t random(1);
