@@ -67,10 +67,10 @@ static FILE* start_without_display(FILE* (*start)()) {
     return pipe;
 }
 
-// Makes the file our standard error. It can only be busy or be interrupted, and both pass: what we
-// have to say must not stay among the collected complaints.
+// Makes the file our standard error. An interruption passes: what we have to say must not stay
+// among the collected complaints.
 static void set_standard_error(int file) {
-    while (dup2(file, STDERR_FILENO) == -1)
+    while (dup2(file, STDERR_FILENO) == -1 && (errno == EINTR || errno == EBUSY))
         continue;
 }
 
