@@ -148,6 +148,7 @@ def main():
     parser.add_argument("--program", required=True, type=os.path.abspath)
     parser.add_argument("--accept", action="store_true", help="rewrite the expectations")
     parser.add_argument("--wrapper", default="", help="command that starts the program")
+    parser.add_argument("--first-failure", action="store_true", help="stop there")
     parser.add_argument("--verbose", action="store_true", help="name the cases that pass, too")
     parser.add_argument("case", nargs="*", help="TOPIC or TOPIC/NAME; default: all")
     options = parser.parse_args()
@@ -164,6 +165,9 @@ def main():
             failed += bool(lines)
             if lines or options.verbose:
                 print(f"{'FAIL' if lines else 'ok  '} {case.relative_to(CASES)}", *lines, sep="\n")
+            if lines and options.first_failure:
+                pool.shutdown(cancel_futures=True)
+                sys.exit(1)
     print(f"{len(cases) - failed} passed, {failed} failed")
     sys.exit(failed > 0)
 
