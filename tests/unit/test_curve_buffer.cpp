@@ -167,18 +167,6 @@ TEST_F(CurveBuffer, interpolation_is_exact_in_its_order_of_operations) {
     EXPECT_NE(bits(a * x + b), bits(y1 + (x - x1) * a));  // else this would show nothing
 }
 
-TEST_F(CurveBuffer, of_two_zeros_the_first_added_stays) {
-    const column_t x = {-4, 4}, zeros = {0.0, 0.0}, negative_zeros = {-0.0, -0.0};
-    for (const bool negative : {false, true}) {
-        buf_initialize();
-        add(x, negative ? negative_zeros : zeros, -0.0);
-        add(x, negative ? zeros : negative_zeros, -0.0);
-        const look_up_t found = at(-1.0);
-        EXPECT_EQ(std::signbit(found.lowest), negative);
-        EXPECT_EQ(std::signbit(found.highest), negative);
-    }
-}
-
 TEST_F(CurveBuffer, two_curves_make_an_envelope) {
     add({0, 4}, {10, 10});
     add({2, 6}, {-3, -3});
