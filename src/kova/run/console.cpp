@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,8 +24,18 @@ void flush_output() {
     note_output(std::fflush(stdout) != 0);
 }
 
+// True if standard output is a pipe that nobody reads any more.
+static bool is_unread() {
+    struct pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+    poll(&output, 1, 0);
+    return (output.revents & POLLERR) != 0;
+}
+
 static void close_output() {
     flush_output();
+    // popt prints the help, and keeps to itself why it could not.
+    if (OutputError == 0 && std::ferror(stdout) && !is_unread())
+        OutputError = EIO;
     if (OutputError == 0 || OutputError == EPIPE)
         return;
     std::fprintf(stderr, "Cannot write to standard output: %s\n", std::strerror(OutputError));
