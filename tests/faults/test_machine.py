@@ -98,6 +98,19 @@ class Outputs(Machine):
                 else:
                     self.assertEqual((result.status, result.stderr), (right.status, right.stderr))
 
+    def test_full_output_line_by_line(self):
+        for arguments in (RUNS["window"], "bad.out", "--help", "--version one.out", ""):
+            for buffering in ("-oL", "-o0"):
+                with self.subTest(arguments=arguments, buffering=buffering):
+                    wrapper = ("stdbuf", buffering)
+                    result = self.start(arguments, wrapper=wrapper, after="> /dev/full")
+                    self.assertEqual(result.status, 1)
+                    self.assertRegex(result.stderr, OUTPUT_LOST)
+                    # One who has read enough is no error.
+                    result = self.start(arguments, wrapper=wrapper,
+                                        shell='{ sleep 0.05; "$@"; echo "$?" >&2; } | true')
+                    self.assertEqual(result.stderr, b"1\n" if arguments == "bad.out" else b"0\n")
+
     def test_full_errors(self):
         says = {"STANDIN_SAY": "gnuplot speaks\n"}
         for arguments in (*RUNS.values(), *ERRORS.values()):
