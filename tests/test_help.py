@@ -86,6 +86,9 @@ def main():
         check(re.match(r"Usage: \S*gravlex \[options\.\.\.\] inputfile ", text),
               f"{argument}: first words: {text[:60]}")
         position = 0
+        for name, short, _, _ in rows:
+            check(short or not re.search(rf", --{name}\b", text),
+                  f"{argument}: --{name} has a short name")
         for entry in entries:
             # The line is broken within the long list of kinds, too.
             pattern = r" ?".join(re.escape(part) for part in re.split(r" |(?<=,)", entry))
