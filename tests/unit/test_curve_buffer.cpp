@@ -87,6 +87,12 @@ TEST_F(CurveBuffer, initialize_empties_it_and_may_be_called_again) {
     EXPECT_EQ(at(1.5), one(4));
 }
 
+TEST_F(CurveBuffer, a_curve_without_points_covers_nothing) {
+    add({}, {});
+    EXPECT_EQ(Nbuf, 1);
+    EXPECT_EQ(at(0.0), NOTHING);
+}
+
 TEST_F(CurveBuffer, takes_many_curves) {
     for (int i = 0; i < 300; i++)
         add({0, 1}, {0, 1}, i);

@@ -43,9 +43,8 @@ int dsmsErrFill = 0;
 int dsmslErrFill = 0;
 
 // Arguments as popt stores them, until their option is handled.
-static int style_sms = 0, ptype_sms = 0;
-static char *dread = nullptr, *dcombine = nullptr, *data = nullptr;
-static char *cread = nullptr, *ccombine = nullptr, *curves = nullptr;
+static int style_sms, ptype_sms;
+static char *dread, *dcombine, *data, *cread, *ccombine, *curves;
 
 // What popt returns for an option that needs handling beyond storing its argument.
 enum option_code {
