@@ -39,7 +39,7 @@ class Option:
 def options():
     """The option table, with popt's own two options."""
     row = re.compile(
-        rf"""\{{"(?P<name>[\w-]+)",\s*(?:'(?P<short>.)'|0),\s*POPT_ARG_\w+,\s*
+        rf"""\{{"(?P<name>[\w-]+)",\s*(?:'(?P<short>\w)'|'\\0'),\s*POPT_ARG_\w+,\s*
              (?:&(?P<variable>\w+)|nullptr),\s*\w+,\s*
              (?P<text>{STRINGS}),\s*(?:"(?P<label>\w+)"|nullptr)\}}""", re.X)
     table = source("run/options.cpp").partition("optionsTable[] = {")[2]
