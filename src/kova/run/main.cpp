@@ -12,15 +12,15 @@ static void read_tables(const char* inpFname) {
         parse_kova_int_tables_ver1(inpFname);
 }
 
-// One gnuplot with all plots on one page.
-static void plot_page() {
+// One gnuplot with the whole page, or with a single plot whose image has a number from 1.
+static void plot_session(int number) {
     gnuplot_start();
     if (page_has_panels())
         std::fprintf(f, "set multiplot layout %d, %d title \"KOVA GED curves\"\n",
                      CurveGroupsToPlot, ColGroupsToPlot);
     data_plot(1);
     if (image_is_written()) {
-        gnuplot_image_commands(0);
+        gnuplot_image_commands(number);
         data_plot(0);
     }
     if (page_has_panels())
@@ -28,29 +28,18 @@ static void plot_page() {
     gnuplot_close();
 }
 
-// A gnuplot of its own for one plot; its images are numbered.
-static void plot_single(int curve_group, int column_group, int number) {
-    gnuplot_start();
-    CurCurvesGroupToPlot = curve_group;
-    CurDataGroupToPlot = column_group;
-    data_plot(1);
-    if (image_is_written()) {
-        gnuplot_image_commands(number);
-        data_plot(0);
-    }
-    gnuplot_close();
-}
-
 static void plot_all() {
-    if (MultiPlot) {
-        if (CurveGroupsToPlot > 0 && ColGroupsToPlot > 0)
-            plot_page();
-        return;
-    }
     int number = 0;
     for (int g = 1; g <= CurveGroupsToPlot; g++) {
-        for (int h = 1; h <= ColGroupsToPlot; h++)
-            plot_single(g, h, ++number);
+        for (int h = 1; h <= ColGroupsToPlot; h++) {
+            if (MultiPlot) {
+                plot_session(0);
+                return;  // all plots are on the one page
+            }
+            CurCurvesGroupToPlot = g;
+            CurDataGroupToPlot = h;
+            plot_session(++number);
+        }
     }
 }
 
