@@ -10,24 +10,22 @@ static constexpr char BLANKS[] = " \t\n\v\f\r";
 // The last version that wrote layout 1: 1.6.986.
 static constexpr int LAST_VER1 = 1060986;
 
-// Takes the second of the line's first four words. False if there is none, or if one of the four
-// is too long.
+// Takes the second of the line's first four words, nothing if there is none. False if one of the
+// four is too long.
 static bool version_word(const char* line, char (&word)[WORD_SIZE]) {
-    int nrd = 0;
-    for (const char* start = line; nrd < 4; nrd++) {
+    const char* start = line;
+    for (int nrd = 0; nrd < 4; nrd++) {
         start += std::strspn(start, BLANKS);
         const std::size_t length = std::strcspn(start, BLANKS);
         if (length >= sizeof word)
             return false;
-        if (length == 0)
-            break;
         if (nrd == 1) {
             std::memcpy(word, start, length);
             word[length] = '\0';
         }
         start += length;
     }
-    return nrd >= 2;
+    return true;
 }
 
 // Splits "v1.6.987" or "1.6-987" at its first two separators; a third ends the last component.
