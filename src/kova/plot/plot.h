@@ -94,7 +94,7 @@ void write_data_blocks(int curve_group, int column_group);
 
 // The longest text of a number, and a blank or newline behind it: sign, 309 digits, point and six
 // decimals.
-constexpr int NUMBER_SIZE = 320;
+constexpr std::size_t NUMBER_SIZE = 320;
 
 // Writes the text that "%f" stands for, without a NUL. Returns where it ends.
 char* write_number(char* to, double value);
