@@ -179,8 +179,8 @@ TEST_F(RowsWritten, each_block_has_its_own_abscissae) {
 
 TEST_F(RowsWritten, a_block_may_end_anywhere_in_the_room_for_rows) {
     // One row more each time, over more than the room that is kept free for one row.
-    column_t x(3500, 1.5);
-    for (int more = 0; more < 200; more++) {
+    column_t x(2900, 1.5);
+    for (int more = 0; more < 400; more++) {
         x.push_back(1.5);
         const std::string text = sent([&] {
             write_block(x, 0.0);
