@@ -10,10 +10,7 @@
 //     FAULTS_NOTE=FILE    is told the library that asked for each allocation that failed
 //
 // Allocations count from the start of the process until it exits; what comes then belongs to tools
-// that watch the program. Those of two functions of popt do not
-// count: they do not look whether they got what they asked for, and crash, or go on without an
-// argument. Their few small blocks come from what every process has left of the heap that the C++
-// library begins with; FAULTS_SPACE shows that they do.
+// that watch the program.
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -30,7 +27,6 @@ static long Memory = 0;       // the allocation to fail, 0 for none
 static int AllAfter = 0;      // and all after it
 static long Allocations = 0;  // so far
 static int Over = 0;          // the program has ended
-static int InPopt = 0;        // a function of popt is running that cannot do without
 static long ReadSize = 0;
 static int Growing = 0;            // ReadSize
 static const char* Source = NULL;  // FAULTS_GROW
@@ -90,7 +86,7 @@ static void take_note(const void* caller) {
 }
 
 static int is_refused(const void* caller) {
-    if (Over || InPopt || Memory == 0)
+    if (Over || Memory == 0)
         return 0;
     Allocations++;
     if (AllAfter ? Allocations < Memory : Allocations != Memory)
@@ -142,19 +138,6 @@ poptContext poptGetContext(const char* name, int argc, const char** argv,
                            const struct poptOption* options, unsigned flags) {
     atexit(stop_counting);  // here, because in the constructor would be too early to run first
     return NEXT(poptGetContext, name, argc, argv, options, flags);
-}
-
-int poptGetNextOpt(poptContext context) {
-    InPopt = 1;
-    const int code = NEXT(poptGetNextOpt, context);
-    InPopt = 0;
-    return code;
-}
-
-void poptPrintUsage(poptContext context, FILE* stream, int flags) {
-    InPopt = 1;
-    NEXT(poptPrintUsage, context, stream, flags);
-    InPopt = 0;
 }
 
 // ---- Reading -----------------------------------------------------------------------------------

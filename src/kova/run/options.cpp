@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <popt.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
@@ -270,11 +272,59 @@ static bool handle_option(int code) {
     }
 }
 
+// ---- popt --------------------------------------------------------------------------------------
+
+static bool InPopt = false;  // a function of popt that needs memory is running
+
+// popt does not look whether it got the memory it asked for: it goes on without the argument that
+// it wanted to keep, or leaves a line out of the help. Only errno tells.
+static void begin_popt_call() {
+    errno = 0;
+    InPopt = true;
+}
+
+static void end_popt_call() {
+    InPopt = false;
+    if (errno == ENOMEM)
+        fail(stderr, "Cannot allocate memory\n");
+}
+
+// popt ends the run itself once it has printed the help.
+static void end_of_help() {
+    if (!InPopt || errno != ENOMEM)
+        return;
+    complain("Cannot allocate memory\n");
+    _exit(EXIT_FAILURE);
+}
+
+static poptContext new_context(int argc, char** argv) {
+    std::atexit(end_of_help);
+    begin_popt_call();
+    poptContext context =
+        poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
+    end_popt_call();
+    poptSetOtherOptionHelp(context, "[options...] inputfile");
+    return context;
+}
+
+static int next_option(poptContext context) {
+    begin_popt_call();
+    const int code = poptGetNextOpt(context);
+    end_popt_call();
+    return code;
+}
+
+static void print_usage(poptContext context) {
+    begin_popt_call();
+    poptPrintUsage(context, stdout, 0);
+    end_popt_call();
+}
+
 // Takes all options from popt. False if any of them is wrong, with every message printed.
 static bool take_options(poptContext context) {
     bool good = true;
     int code;
-    while ((code = poptGetNextOpt(context)) >= 0)
+    while ((code = next_option(context)) >= 0)
         good = handle_option(code) && good;
     if (code == -1)
         return good;
@@ -295,13 +345,9 @@ static char* take_input_name(poptContext context) {
 }
 
 const char* parse_command_line(int argc, char** argv) {
-    poptContext context =
-        poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
-    if (context == nullptr)
-        fail(stderr, "Cannot allocate memory\n");
-    poptSetOtherOptionHelp(context, "[options...] inputfile");
+    poptContext context = new_context(argc, argv);
     if (argc < 2) {
-        poptPrintUsage(context, stdout, 0);
+        print_usage(context);
         poptFreeContext(context);
         std::exit(EXIT_SUCCESS);
     }
