@@ -2,6 +2,7 @@
 #include "state.h"
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -160,8 +161,18 @@ testing::AssertionResult contains(const std::string& text, const std::string& pa
     return testing::AssertionFailure() << "no\n" << part << "\nin\n" << text;
 }
 
-bool is_sanitized() {
-    return __lsan_disable != nullptr;
+// The address sanitizer, where it is used, has a limit of its own and ends the process at it,
+// unless it is told otherwise.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1:max_allocation_size_mb=1024";
+}
+
+void limit_memory() {
+    if (__lsan_disable != nullptr)
+        return;
+    const rlimit limit = {1UL << 30, 1UL << 30};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
 }
 
 // ---- Input -------------------------------------------------------------------------------------

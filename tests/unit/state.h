@@ -52,8 +52,8 @@ testing::AssertionResult ended_with(const ended_t& ended, int status, const std:
 // True if the text has the part in it.
 testing::AssertionResult contains(const std::string& text, const std::string& part);
 
-// True under the address sanitizer, which has ideas of its own about memory that is not there.
-bool is_sanitized();
+// Leaves the process a gigabyte of memory to allocate. For a process that ends soon.
+void limit_memory();
 
 // ---- Input -------------------------------------------------------------------------------------
 
