@@ -321,6 +321,15 @@ class Limits(Machine):
             self.assertEqual(statuses, sorted(statuses, reverse=True))
             self.assertEqual(statuses[-1], 0)
 
+    def test_descriptors_are_given_back(self):
+        limits = {}
+        for arguments in (RUNS["image"], "--no-multiplot --png a.png one.out"):
+            limits[arguments] = next(
+                limit for limit in range(20)
+                if self.start(arguments, env={"FAULTS_FILES": str(limit)}).status == 0)
+        self.assertGreater(len(self.right(arguments).streams), 5)
+        self.assertEqual(len(set(limits.values())), 1)
+
     def test_descriptors_and_closed_streams(self):
         for limit in range(13):
             for closed in ("0>&-", "1>&-", "0>&- 1>&-"):
@@ -330,9 +339,13 @@ class Limits(Machine):
                     self.assertIn(result.status, (0, 1))
                     self.assertTrue(harness.begins_like(result.streams,
                                                         self.right(RUNS["image"]).streams))
-                    if limit < 3:
-                        self.assertEqual(result.status, 1)
-                        self.assertNotEqual(result.stderr, b"")
+                    if limit <= ("1" in closed):
+                        self.assertEqual(
+                            (result.status, result.stdout, result.stderr),
+                            (1, b"", b"Cannot replace a closed stream: Too many open files\n"))
+                    elif limit < 4:
+                        self.assertEqual((result.status, result.stderr),
+                                         (1, b"Cannot open file 'one.out'\n"))
 
     def test_file_size(self):
         for arguments in (*RUNS.values(), "bad.out"):

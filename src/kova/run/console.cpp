@@ -62,12 +62,9 @@ static void ignore_signal(int) {}
 
 void prepare_process() {
     open_closed_streams();
-    // Handlers rather than SIG_IGN: gnuplot starts with the defaults again.
-    struct sigaction action = {};
-    action.sa_handler = ignore_signal;
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGPIPE, &action, nullptr);
-    sigaction(SIGXFSZ, &action, nullptr);
+    // A handler rather than SIG_IGN: gnuplot starts with the defaults again.
+    std::signal(SIGPIPE, ignore_signal);
+    std::signal(SIGXFSZ, ignore_signal);
     // Ignored children, as some programs leave them to theirs, could not be waited for.
     std::signal(SIGCHLD, SIG_DFL);
     std::atexit(close_output);

@@ -58,12 +58,10 @@ static FILE* start_without_display(FILE* (*start)()) {
     if (setenv("GNUTERM", "unknown", 1) != 0)
         fail(stderr, "Cannot allocate memory\n");
     FILE* pipe = start();
-    const int error = errno;
     if (was_empty)
         setenv("GNUTERM", "", 1);
     else
         unsetenv("GNUTERM");
-    errno = error;
     return pipe;
 }
 
@@ -268,8 +266,7 @@ static void pass_on_collected() {
         for (int i = 0; i < count; i++)
             pass_on(waiting[i]);
         if (is_whole(line) && fits_block(0, line.text)) {
-            waiting[0] = line;
-            count = 1;
+            count = 1;  // waiting[0] is such an empty line already
         } else {
             if (!is_whole(line) || !is_warning(line.text))
                 pass_on(line);

@@ -274,17 +274,11 @@ static bool handle_option(int code) {
 
 // ---- popt --------------------------------------------------------------------------------------
 
-static bool InPopt = false;  // a function of popt that needs memory is running
+static bool InPopt = false;  // popt looks for the next option
 
 // popt does not look whether it got the memory it asked for: it goes on without the argument that
-// it wanted to keep, or leaves a line out of the help. Only errno tells.
-static void begin_popt_call() {
-    errno = 0;
-    InPopt = true;
-}
-
-static void end_popt_call() {
-    InPopt = false;
+// it wanted to keep, or leaves a piece out of its texts. Only errno tells.
+static void check_memory() {
     if (errno == ENOMEM)
         fail(stderr, "Cannot allocate memory\n");
 }
@@ -298,26 +292,19 @@ static void end_of_help() {
 }
 
 static poptContext new_context(int argc, char** argv) {
-    std::atexit(end_of_help);
-    begin_popt_call();
     poptContext context =
         poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
-    end_popt_call();
+    check_memory();
     poptSetOtherOptionHelp(context, "[options...] inputfile");
     return context;
 }
 
 static int next_option(poptContext context) {
-    begin_popt_call();
+    InPopt = true;
     const int code = poptGetNextOpt(context);
-    end_popt_call();
+    InPopt = false;
+    check_memory();
     return code;
-}
-
-static void print_usage(poptContext context) {
-    begin_popt_call();
-    poptPrintUsage(context, stdout, 0);
-    end_popt_call();
 }
 
 // Takes all options from popt. False if any of them is wrong, with every message printed.
@@ -345,9 +332,11 @@ static char* take_input_name(poptContext context) {
 }
 
 const char* parse_command_line(int argc, char** argv) {
+    std::atexit(end_of_help);
     poptContext context = new_context(argc, argv);
     if (argc < 2) {
-        print_usage(context);
+        poptPrintUsage(context, stdout, 0);
+        check_memory();
         poptFreeContext(context);
         std::exit(EXIT_SUCCESS);
     }
