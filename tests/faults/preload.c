@@ -7,6 +7,7 @@
 //     FAULTS_READ=SIZE    a read gives at most so many bytes; -SIZE one byte more each time
 //     FAULTS_FILES=LIMIT  so many descriptors are allowed (the dynamic linker needs more)
 //     FAULTS_GROW=FILE    a piece of FILE is appended to what is read, before each read
+//     FAULTS_OPTION=CODE  popt comes with this code first
 //     FAULTS_NOTE=FILE    is told the library that asked for each allocation that failed
 //
 // Allocations count from the start of the process until it exits; what comes then belongs to tools
@@ -138,6 +139,14 @@ poptContext poptGetContext(const char* name, int argc, const char** argv,
                            const struct poptOption* options, unsigned flags) {
     atexit(stop_counting);  // here, because in the constructor would be too early to run first
     return NEXT(poptGetContext, name, argc, argv, options, flags);
+}
+
+int poptGetNextOpt(poptContext context) {
+    const char* code = getenv("FAULTS_OPTION");
+    if (code == NULL)
+        return NEXT(poptGetNextOpt, context);
+    unsetenv("FAULTS_OPTION");
+    return atoi(code);
 }
 
 // ---- Reading -----------------------------------------------------------------------------------

@@ -300,6 +300,18 @@ class Signals(Machine):
         self.assert_good(result, LONG)
 
 
+# ---- Libraries ---------------------------------------------------------------------------------
+
+class Libraries(Machine):
+
+    def test_option_that_is_not_in_the_table(self):
+        for code in (0, 99):
+            with self.subTest(code=code):
+                result = self.start(RUNS["window"], env={"FAULTS_OPTION": str(code)})
+                self.assertEqual((result.status, result.stdout, result.stderr, result.streams),
+                                 (1, b"", f"Cannot process option {code}\n".encode(), []))
+
+
 # ---- Limits ------------------------------------------------------------------------------------
 
 class Limits(Machine):
