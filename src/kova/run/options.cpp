@@ -274,17 +274,21 @@ static bool handle_option(int code) {
 
 // ---- popt --------------------------------------------------------------------------------------
 
-static bool InPopt = false;  // popt looks for the next option
+static bool InPopt = false;
 
-// popt does not look whether it got the memory it asked for: it goes on without the argument that
-// it wanted to keep, or leaves a piece out of its texts. Only errno tells.
-static void check_memory() {
+// Lets popt work. It may go on without the memory that it asked for: without an argument, or with
+// a piece left out of its texts. Only errno tells.
+template <class work_t>
+static void in_popt(work_t work) {
+    InPopt = true;
+    work();
+    InPopt = false;
     if (errno == ENOMEM)
         fail(stderr, "Cannot allocate memory\n");
 }
 
-// popt ends the run itself once it has printed the help.
-static void end_of_help() {
+// popt ends the run itself where it has printed the help, and where it does see a lack of memory.
+static void end_in_popt() {
     if (!InPopt || errno != ENOMEM)
         return;
     complain("Cannot allocate memory\n");
@@ -292,18 +296,17 @@ static void end_of_help() {
 }
 
 static poptContext new_context(int argc, char** argv) {
-    poptContext context =
-        poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
-    check_memory();
-    poptSetOtherOptionHelp(context, "[options...] inputfile");
+    poptContext context = nullptr;
+    in_popt([&] {
+        context = poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
+    });
+    in_popt([&] { poptSetOtherOptionHelp(context, "[options...] inputfile"); });
     return context;
 }
 
 static int next_option(poptContext context) {
-    InPopt = true;
-    const int code = poptGetNextOpt(context);
-    InPopt = false;
-    check_memory();
+    int code = 0;
+    in_popt([&] { code = poptGetNextOpt(context); });
     return code;
 }
 
@@ -332,11 +335,10 @@ static char* take_input_name(poptContext context) {
 }
 
 const char* parse_command_line(int argc, char** argv) {
-    std::atexit(end_of_help);
+    std::atexit(end_in_popt);
     poptContext context = new_context(argc, argv);
     if (argc < 2) {
-        poptPrintUsage(context, stdout, 0);
-        check_memory();
+        in_popt([&] { poptPrintUsage(context, stdout, 0); });
         poptFreeContext(context);
         std::exit(EXIT_SUCCESS);
     }
