@@ -11,6 +11,7 @@ import math
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -91,4 +92,9 @@ if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True, type=os.path.abspath)
     PROGRAM = parser.parse_args().program
+    if not shutil.which("valgrind") or subprocess.run(
+            ["valgrind", "--tool=cachegrind", "--cachegrind-out-file=/dev/null", "true"],
+            check=False, capture_output=True).returncode:
+        print("valgrind is missing or does not run here")
+        sys.exit(77)
     unittest.main(argv=[sys.argv[0], "--verbose"])
