@@ -143,6 +143,20 @@ TEST_F(RowsWritten, a_block_may_be_empty) {
               "e\n");
 }
 
+TEST_F(RowsWritten, empty_blocks_may_be_many) {
+    std::string text;
+    for (int i = 0; i < 100000; i++)
+        text += "e\n";
+    EXPECT_EQ(sent([] {
+                  for (int i = 0; i < 100000; i++) {
+                      begin_rows(nullptr, 0);
+                      end_rows();
+                  }
+                  flush_rows();
+              }),
+              text);
+}
+
 TEST_F(RowsWritten, nothing_is_flushed_twice) {
     EXPECT_EQ(sent([] {
                   write_block({1}, 2);

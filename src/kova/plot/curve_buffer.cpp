@@ -10,6 +10,7 @@
 //   bracket that the last look-up left behind;
 // - curves are folded in the order of adding, with the comparisons of the plain look-up.
 // As soon as one curve does not rise strictly, every look-up is a plain one, for all curves.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -59,7 +60,7 @@ void buf_initialize() {
 // The block, resized like resize_block, but with the buffer's own message.
 template <class element_t>
 static element_t* buffer_array(element_t* array, int n) {
-    const std::size_t count = n > 0 ? static_cast<std::size_t>(n) : 1;
+    const std::size_t count = static_cast<std::size_t>(std::max(n, 1));
     void* resized = reallocarray(array, count, sizeof(element_t));
     if (resized == nullptr)
         fail(stderr, "Cannot allocate memory for buffer!\n");
