@@ -120,17 +120,17 @@ def run(command, files=(), gnuplot=None, env=(), meanwhile=None, afterwards=None
     with tempfile.TemporaryDirectory(prefix="gravlex-faults-") as name:
         folder = pathlib.Path(name)
         folder.chmod(0o755)
-        for subfolder in ("record", "work"):
+        for subfolder in ("record", "run"):
             (folder / subfolder).mkdir()
             (folder / subfolder).chmod(0o777)
         for file, text in dict(files).items():
-            (folder / "work" / file).write_text(text)
+            (folder / "run" / file).write_text(text)
         reader, writer = os.pipe()
         # Out of the way of descriptors that a test closes or counts.
         witness = fcntl.fcntl(writer, fcntl.F_DUPFD_CLOEXEC, 100)
         os.close(writer)
         process = subprocess.Popen(
-            [str(word).replace("{folder}", name) for word in command], cwd=folder / "work",
+            [str(word).replace("{folder}", name) for word in command], cwd=folder / "run",
             env=environment(folder, gnuplot, dict(env)), stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True,
             pass_fds=(witness,))

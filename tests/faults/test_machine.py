@@ -78,7 +78,7 @@ class Outputs(Machine):
                     result = self.start(
                         arguments, after=" ".join(f"{number}>&-" for number in closed),
                         afterwards=lambda folder: left.extend(
-                            (folder / "work" / file).read_text() for file in FILES))
+                            (folder / "run" / file).read_text() for file in FILES))
                     self.assertEqual(result.status, right.status)
                     self.assertEqual(result.streams, right.streams)
                     self.assertEqual(result.stdout, b"" if "1" in closed else right.stdout)
@@ -186,8 +186,8 @@ def feed(pieces, pause, between=lambda pid: None):
     """Makes the FIFO, and writes the pieces into it once it is opened."""
     def start(process, folder):
         def write():
-            os.mkfifo(folder / "work" / "fifo")
-            with open(folder / "work" / "fifo", "wb", buffering=0) as fifo:
+            os.mkfifo(folder / "run" / "fifo")
+            with open(folder / "run" / "fifo", "wb", buffering=0) as fifo:
                 for piece in pieces:
                     fifo.write(piece.encode())
                     time.sleep(pause)
@@ -214,7 +214,7 @@ class Inputs(Machine):
                     files = {file: text[:begun], "rest": text[begun:]}
                     result = self.start(arguments, files=files, env={"FAULTS_GROW": "rest"},
                                         afterwards=lambda folder: left.append(
-                                            (folder / "work" / file).read_text()))
+                                            (folder / "run" / file).read_text()))
                     self.assert_good(result, arguments)
                     self.assertEqual(left.pop(), text)
 
@@ -402,7 +402,7 @@ class Place(Machine):
                 modes = []
                 result = self.start(arguments, before="chmod 555 .", wrapper=wrapper,
                                     afterwards=lambda folder: modes.append(stat.S_IMODE(
-                                        (folder / "work").stat().st_mode)))
+                                        (folder / "run").stat().st_mode)))
                 self.assertEqual(modes, [0o555])
                 self.assert_good(result, arguments)
 
@@ -410,7 +410,7 @@ class Place(Machine):
         for name, arguments in RUNS.items():
             with self.subTest(name=name):
                 words = arguments.split()
-                result = self.start(" ".join([*words[:-1], "{folder}/work/" + words[-1]]),
+                result = self.start(" ".join([*words[:-1], "{folder}/run/" + words[-1]]),
                                     before="mkdir gone; cd gone; rmdir ../gone")
                 right = self.right(arguments)
                 # The shell that starts gnuplot has something to say to that.

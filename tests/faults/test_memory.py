@@ -73,21 +73,26 @@ def run(options, name, memory):
         return result, caller and os.path.basename(caller)
 
 
-def wrong_message(result, right):
-    """Without memory the program says so once, unless it ends for another reason."""
+def wrong_message(options, result, right, caller):
+    """Without memory the program says so once, and last. For what a library asked for, it may also
+    end for another reason."""
     said = result.stderr.count(MESSAGE) + result.stderr.count(BUFFER_MESSAGE)
-    if result.status != 1 or said == 1 or \
-            right.status == 1 and result.stderr == right.stderr or \
-            harness.NO_PIPE.search(result.stdout):
+    if result.status != 1 or \
+            said == 1 and result.stderr.endswith((MESSAGE, BUFFER_MESSAGE)):
+        return []
+    own = caller == os.path.basename(options.program)
+    if not own and (right.status == 1 and result.stderr == right.stderr or
+                    harness.NO_PIPE.search(result.stdout)):
         return []
     return ["status 1 with another message"]
 
 
-def without_gaps(result, right):
+def without_gaps(name, result, right):
     """The result with the whole text of popt where pieces are missing and its lines end elsewhere."""
     rest = iter(b"".join(right.stdout.split()))
     gaps = result.status == 1 and all(b in rest for b in b"".join(result.stdout.split()))
-    unseen = any(result.stdout == right.stdout.replace(piece, b"", 1) for piece in UNSEEN)
+    unseen = name == "help" and any(
+        result.stdout == right.stdout.replace(piece, b"", 1) for piece in UNSEEN)
     return dataclasses.replace(result, stdout=right.stdout) if gaps or unseen else result
 
 
@@ -102,9 +107,10 @@ def fail_each(options, name, kind):
                 judge(f"{name}, undisturbed", result, [] if result == right else ["changed"])
                 return number - 1
             if name in ("usage", "help"):
-                result = without_gaps(result, right)
+                result = without_gaps(name, result, right)
             judge(f"{name}, allocation {number}{kind} from {caller}", result,
-                  harness.faults_of(result, right) + wrong_message(result, right), caller)
+                  harness.faults_of(result, right) +
+                  wrong_message(options, result, right, caller), caller)
 
 
 def fail_all(options):

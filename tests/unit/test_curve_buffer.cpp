@@ -99,14 +99,12 @@ TEST_F(CurveBuffer, takes_many_curves) {
 }
 
 TEST_F(CurveBuffer, without_memory_ends_the_run) {
-    const ended_t ended = in_child([] {
-        limit_memory();
-        const double point = 0.0;
-        buf_add(1 << 30, &point, &point, 0.0);
-    });
-    EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.out, "");
-    EXPECT_TRUE(ended.err.ends_with("Cannot allocate memory for buffer!\n")) << ended.err;
+    EXPECT_TRUE(ended_with(in_child([] {
+                               limit_memory();
+                               const double point = 0.0;
+                               buf_add(1 << 30, &point, &point, 0.0);
+                           }),
+                           1, "", "Cannot allocate memory for buffer!\n"));
 }
 
 // ---- Looking up --------------------------------------------------------------------------------
