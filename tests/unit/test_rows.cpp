@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
 // Rows of numbers, compared with what the C library makes of them.
+#include <gnu/libc-version.h>
+
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "input/input.h"
 #include "random.h"
@@ -62,71 +66,109 @@ TEST_F(Rows, have_twenty_numbers_at_most) {
     }
 }
 
-TEST_F(Rows, hostile_ones_are_read_like_the_c_library_reads_them) {
-    for (const char* line : {"1e 2",
-                             "1e+ 2",
-                             "1e-",
-                             "1e5 2e-5",
-                             "0x 1",
-                             "0x1p3 2",
-                             "0x.8",
-                             "0x1p 2",
-                             "0x1.8p-1",
-                             "inf",
-                             "infinit",
-                             "infinity 2",
-                             "-INF +Inf",
-                             "nan",
-                             "nan(1) 2",
-                             "nan(x",
-                             "-nan",
-                             "1.5-2.5",
-                             "1.5+2.5",
-                             "1.5.2",
-                             ".5",
-                             "5.",
-                             ".",
-                             "-.5",
-                             "+.e5",
-                             "1e400",
-                             "-1e400",
-                             "1e-400",
-                             "1e-310",
-                             "4.9e-324",
-                             "2e-324",
-                             "-0",
-                             "-0.0",
-                             "+0",
-                             "00012",
-                             "0.1e1e1",
-                             "1d5",
-                             "1E5",
-                             "1e5.5",
-                             "\v1\f2\r3",
-                             "1_000",
-                             "1'000",
-                             "0b1",
-                             "1e99999999999999999999",
-                             "1e-99999999999999999999",
-                             "179769313486231580793728971405301e277",
-                             "2.2250738585072011e-308",
-                             "9007199254740993",
-                             "0.1000000000000000055511151231257827",
-                             "123456789012345678901234567890123456789012345678901234567890 1",
-                             "1\xA0",
-                             "i",
-                             "in",
-                             "n",
-                             "na",
-                             "in f",
-                             "0x",
-                             "0xg",
-                             "-0x1",
-                             "1 -",
-                             "1 + 2",
-                             "1e+5",
-                             "1e +5"})
-        expect_as_scanned(line);
+// What is no plain number, as scanf of glibc 2.36 reads it.
+struct odd_line_t {
+    const char* text;
+    std::vector<double> numbers;
+};
+
+// clang-format off
+static const odd_line_t OddLines[] = {
+    {"1e 2", {1, 2}},
+    {"1e+ 2", {1, 2}},
+    {"1e-", {1}},
+    {"1e5 2e-5", {100000, 2e-05}},
+    {"0x 1", {}},
+    {"0x1p3 2", {8, 2}},
+    {"0x.8", {0.5}},
+    {"0x1p 2", {1, 2}},
+    {"0x1.8p-1", {0.75}},
+    {"inf", {INFINITY}},
+    {"infinit", {}},
+    {"infinity 2", {INFINITY, 2}},
+    {"-INF +Inf", {-INFINITY, INFINITY}},
+    {"nan", {NAN}},
+    {"nan(1) 2", {NAN}},
+    {"nan(x", {NAN}},
+    {"-nan", {-NAN}},
+    {"1.5-2.5", {1.5, -2.5}},
+    {"1.5+2.5", {1.5, 2.5}},
+    {"1.5.2", {1.5, 0.2}},
+    {".5", {0.5}},
+    {"5.", {5}},
+    {".", {}},
+    {"-.5", {-0.5}},
+    {"+.e5", {}},
+    {"1e400", {INFINITY}},
+    {"-1e400", {-INFINITY}},
+    {"1e-400", {0}},
+    {"1e-310", {1e-310}},
+    {"4.9e-324", {5e-324}},
+    {"2e-324", {0}},
+    {"-0", {-0.0}},
+    {"-0.0", {-0.0}},
+    {"+0", {0}},
+    {"00012", {12}},
+    {"0.1e1e1", {1}},
+    {"1d5", {1}},
+    {"1E5", {100000}},
+    {"1e5.5", {100000, 0.5}},
+    {"\v1\f2\r3", {1, 2, 3}},
+    {"1_000", {1}},
+    {"1'000", {1}},
+    {"0b1", {0}},
+    {"1e99999999999999999999", {INFINITY}},
+    {"1e-99999999999999999999", {0}},
+    {"179769313486231580793728971405301e277", {INFINITY}},
+    {"2.2250738585072011e-308", {2.225073858507201e-308}},
+    {"9007199254740993", {9007199254740992.0}},
+    {"0.1000000000000000055511151231257827", {0.1}},
+    {"123456789012345678901234567890123456789012345678901234567890 1", {1.2345678901234567e+59, 1}},
+    {"1\xA0", {1}},
+    {"i", {}},
+    {"in", {}},
+    {"n", {}},
+    {"na", {}},
+    {"in f", {}},
+    {"0x", {}},
+    {"0xg", {}},
+    {"-0x1", {-1}},
+    {"1 -", {1}},
+    {"1 + 2", {1}},
+    {"1e+5", {100000}},
+    {"1e +5", {1, 5}},
+    {"0x1p+ 2", {1, 2}},
+    {"0x. 2", {0, 2}},
+    {"1e+-5 2", {1, -5, 2}},
+    {"nan() 2", {NAN}},
+    {"NAN(ab) 2", {NAN}},
+    {"nan( 2", {NAN}},
+    {"0x1p-", {1}},
+    {"0xp1", {}},
+    {"0x.p1", {0}},
+    {"infi", {}},
+    {"INFINITY-infinity", {INFINITY, -INFINITY}},
+    {"nannan", {NAN, NAN}},
+    {"0x1.8.2", {1.5, 0.2}},
+    {"1e5e5", {100000}},
+    {"0x1P+2x", {4}},
+    {"-0x.8p1 3", {-1, 3}},
+    {"1..2", {1, 0.2}},
+    {"+-1", {}},
+    {"0X1p 2", {1, 2}},
+    {"infinit 2", {}},
+};
+// clang-format on
+
+TEST_F(Rows, odd_ones_are_the_same_numbers_everywhere) {
+    for (const odd_line_t& line : OddLines) {
+        double numbers[MAX_NUMBERS];
+        const int count = static_cast<int>(line.numbers.size());
+        ASSERT_EQ(read_numbers(line.text, numbers), count) << line.text;
+        for (int i = 0; i < count; i++)
+            EXPECT_EQ(bits(numbers[i]), bits(line.numbers[static_cast<std::size_t>(i)]))
+                << line.text << ", number " << i;
+    }
 }
 
 TEST_F(Rows, long_hostile_ones_are_read_like_the_c_library_reads_them) {
@@ -143,7 +185,9 @@ TEST_F(Rows, long_hostile_ones_are_read_like_the_c_library_reads_them) {
     }
 }
 
-TEST_F(Rows, random_ones_are_read_like_the_c_library_reads_them) {
+TEST_F(Rows, random_ones_are_read_like_glibc_2_36_reads_them) {
+    if (std::strcmp(gnu_get_libc_version(), "2.36") != 0)
+        GTEST_SKIP() << "the library at hand is " << gnu_get_libc_version();
     const std::string letters = "0123456789012345678901234567890   \t..--+eExXpPinfaN(),";
     random_t random(1);
     for (int i = 0; i < 100000; i++) {

@@ -84,8 +84,10 @@ int detect_int_table_version(const char* inpFname);
 // The most numbers that are read from one row; more than MAX_COLS, so that too many are noticed.
 constexpr int MAX_NUMBERS = 20;
 
-// Converts a line to numbers, up to the first text that is none. Returns how many there are, or -1
-// if the line is blank: exactly what sscanf with "%lf" for each gives in the C locale.
+// Converts a line of less than LINE_SIZE characters to numbers, up to the first text that is none.
+// Returns how many there are, or -1 if the line is blank. Numbers may be decimal, hexadecimal
+// (0x1.8p3), inf, infinity or nan; they may touch ("1.5-2.5" is two), and the digits of an
+// exponent may be missing ("1e 2" is two). What is too large is infinite.
 int read_numbers(const char* line, double (&numbers)[MAX_NUMBERS]);
 
 // ---- Tables (tables.cpp) -----------------------------------------------------------------------

@@ -139,10 +139,11 @@ int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** P
 // "Incorrect indication of intensity set: '%s'\n" on standard output with the outputs untouched.
 int parse_int_curve(const char* str, int* ParNum1, int* ParNum2);
 
-// 1 if the whole string is one integer that strtol reads in base 0, else 0.
+// 1 if the whole string is one integer, decimal, octal (0...) or hexadecimal (0x...), else 0.
+// White space and a sign may stand before it.
 int if_integer(const char* str);
 
-// The value of such a string: the low 32 bits of what strtol makes of it.
+// The value of such a string: the low 32 bits of its 64, which stop at their limits.
 int integer_value(const char* str);
 
 // 1 if the string is white space only or nothing, else 0.

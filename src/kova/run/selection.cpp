@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
+#include <system_error>
 
 #include "run/run.h"
 
 // A kind list, an item of a pair list and each half of an item must fit into this.
 static constexpr std::size_t WORD_SIZE = 100;
+
+static constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
 
 struct kind_word_t {
     const char* word;
@@ -53,20 +59,49 @@ int parse_data_string(const char* str, unsigned int* Data) {
     return 0;
 }
 
+static std::int64_t with_sign(std::uint64_t size, bool negative) {
+    constexpr std::int64_t LEAST = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t MOST = std::numeric_limits<std::int64_t>::max();
+    if (size > static_cast<std::uint64_t>(MOST))
+        return negative ? LEAST : MOST;
+    const std::int64_t value = static_cast<std::int64_t>(size);
+    return negative ? -value : value;
+}
+
+// Reads the one integer that the string is. False if it is none. strtol in base 0 would do, but
+// for binary numbers, which newer releases of the C library take and older ones do not.
+static bool read_integer(const char* str, std::int64_t* value) {
+    const char* digits = str + std::strspn(str, WHITE_SPACE);
+    const bool negative = *digits == '-';
+    if (*digits == '-' || *digits == '+')
+        digits++;
+    int base = 10;
+    if (*digits == '0')
+        base = digits[1] == 'x' || digits[1] == 'X' ? 16 : 8;
+    if (base == 16)
+        digits += 2;
+    const char* end = digits + std::strlen(digits);
+    std::uint64_t size = 0;
+    const auto [rest, error] = std::from_chars(digits, end, size, base);
+    if (error == std::errc::result_out_of_range)
+        size = std::numeric_limits<std::uint64_t>::max();
+    *value = with_sign(size, negative);
+    return rest != digits && rest == end;
+}
+
 int if_integer(const char* str) {
-    if (*str == '\0')
-        return 0;
-    char* endptr;
-    std::strtol(str, &endptr, 0);
-    return *endptr == '\0';
+    std::int64_t value;
+    return read_integer(str, &value);
 }
 
 int integer_value(const char* str) {
-    return static_cast<int>(std::strtol(str, nullptr, 0));
+    std::int64_t value;
+    read_integer(str, &value);
+    return static_cast<int>(static_cast<std::uint32_t>(value));
 }
 
 int is_empty(const char* s) {
-    return s[std::strspn(s, " \t\n\v\f\r")] == '\0';
+    return s[std::strspn(s, WHITE_SPACE)] == '\0';
 }
 
 int parse_int_curve(const char* str, int* ParNum1, int* ParNum2) {
