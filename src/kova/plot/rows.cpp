@@ -12,6 +12,9 @@
 
 // ---- Numbers -----------------------------------------------------------------------------------
 
+// 64-bit compilers have the integers of 128 bits that this takes; elsewhere the library writes all.
+#ifdef __SIZEOF_INT128__
+
 // Exponents of two for which a number is scaled in integers: from about 1e-9 to 1e12.
 static constexpr int MIN_EXPONENT = -30;
 static constexpr int MAX_EXPONENT = 40;
@@ -42,12 +45,25 @@ static char* write_millionths(char* to, std::uint64_t bits, int exponent) {
     return to + 6;
 }
 
-// For all other numbers the library knows how; it writes infinities and NaN as "%f" does, too.
-char* write_number(char* to, double value) {
+// Writes a number of everyday size; null for any other.
+static char* write_everyday(char* to, double value) {
     const std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
     const int exponent = static_cast<int>(bits >> FRACTION_BITS & 0x7ff) - EXPONENT_BIAS;
-    if (exponent >= MIN_EXPONENT && exponent < MAX_EXPONENT)
-        return write_millionths(to, bits, exponent);
+    if (exponent < MIN_EXPONENT || exponent >= MAX_EXPONENT)
+        return nullptr;
+    return write_millionths(to, bits, exponent);
+}
+
+#else
+static char* write_everyday(char*, double) {
+    return nullptr;
+}
+#endif
+
+// For all other numbers the library knows how; it writes infinities and NaN as "%f" does, too.
+char* write_number(char* to, double value) {
+    if (char* end = write_everyday(to, value))
+        return end;
     return std::to_chars(to, to + NUMBER_SIZE, value, std::chars_format::fixed, 6).ptr;
 }
 
