@@ -183,7 +183,9 @@ static void rows_written(benchmark::State& state, std::FILE** pipe, void (*write
     std::fclose(*pipe);
     state.SetItemsProcessed(state.iterations() * SETS_WRITTEN * (KINDS - 1) * ROWS);
 }
-BENCHMARK_CAPTURE(rows_written, gravlex, &f, write_data_blocks)->Name("row written/gravlex");
+BENCHMARK_CAPTURE(rows_written, gravlex, &f, [](int g, int h) {
+    write_data_blocks({g, h});
+})->Name("row written/gravlex");
 BENCHMARK_CAPTURE(rows_written, plain, &plain::f, plain::write_data)->Name("row written/plain");
 
 // ---- A look-up ---------------------------------------------------------------------------------
@@ -217,7 +219,7 @@ BENCHMARK_CAPTURE(look_up, plain, plain::buf_initialize, plain::buf_add, plain::
 // ---- A shift phase -----------------------------------------------------------------------------
 
 static bool shifts_agree(int sets) {
-    calc_shifts(1, 1);
+    calc_shifts({1, 1});
     plain::compute_shifts(1, 1);
     for (int set = 0; set < sets; set++) {
         if (std::memcmp(CurveShift[set], plain::CurveShift[set], KINDS * sizeof(double)) != 0)
@@ -237,7 +239,10 @@ static void shift_phase(benchmark::State& state, void (*calculate)(int, int)) {
         calculate(1, 1);
     state.SetItemsProcessed(state.iterations() * sets);
 }
-BENCHMARK_CAPTURE(shift_phase, gravlex, calc_shifts)
+BENCHMARK_CAPTURE(shift_phase, gravlex,
+                  [](int g, int h) {
+                      calc_shifts({g, h});
+                  })
     ->Name("shift phase/gravlex")
     ->Arg(25)
     ->Arg(50)

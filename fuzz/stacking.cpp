@@ -191,7 +191,7 @@ static void check_plot(bytes_t* bytes) {
     } catch (const step_error_t&) {
         should_fail = true;
     }
-    const ended_t& ended = run([] { calc_shifts(1, 1); });
+    const ended_t& ended = run([] { calc_shifts({1, 1}); });
     require_same(without_nan_signs(ended.out), without_nan_signs(said), "plot: another message");
     if (!has_failed(ended, should_fail)) {
         for (std::size_t k = 0; k < expected.size(); k++) {

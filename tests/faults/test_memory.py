@@ -11,6 +11,7 @@ import dataclasses
 import itertools
 import os
 import pathlib
+import re
 import sys
 import tempfile
 
@@ -30,6 +31,7 @@ RUNS = {
     "help": ("--help", {}),
     "version": ("--version", {}),
     "wrong option": ("--dread sms --cread 1-1 --nonsense", {}),
+    "lists": ("--curves 1-1,2-1 --ccombine 1-1 --dread nonsense two.out", {}),
     "no input": ("none.out", {}),
 }
 FILES = {"one.out": harness.layout_1(), "two.out": harness.layout_2(),
@@ -38,6 +40,10 @@ BIG = "--data sms,tsms,dsms --curves 1-1,2-1 --smserrbars big.out"
 BIG_FILES = {"big.out": harness.layout_1(points=8000)}
 MESSAGE = b"Cannot allocate memory\n"
 BUFFER_MESSAGE = b"Cannot allocate memory for buffer!\n"
+# A list that lacks it is a wrong option like any other: what comes after it is looked at as well.
+OPTIONS_MESSAGE = re.compile(
+    rb"Cannot allocate memory\n"
+    rb"((Cannot allocate memory|virtual memory exhausted\.|\w+: wrong data .*|--nonsense: .*)\n)+\Z")
 # What popt leaves out of the first line of its help without leaving a sign of it: it asks next how
 # wide the terminal is, and where there is none the error of that hides the other.
 UNSEEN = (b"Usage:", b" [options...] inputfile\n")
@@ -78,13 +84,21 @@ def wrong_message(options, result, right, caller):
     end for another reason."""
     said = result.stderr.count(MESSAGE) + result.stderr.count(BUFFER_MESSAGE)
     if result.status != 1 or \
-            said == 1 and result.stderr.endswith((MESSAGE, BUFFER_MESSAGE)):
+            said == 1 and result.stderr.endswith((MESSAGE, BUFFER_MESSAGE)) or \
+            OPTIONS_MESSAGE.match(result.stderr):
         return []
     own = caller == os.path.basename(options.program)
     if not own and (right.status == 1 and result.stderr == right.stderr or
                     harness.NO_PIPE.search(result.stdout)):
         return []
     return ["status 1 with another message"]
+
+
+def forgotten(options, name, result, caller):
+    """The option after a list that lacked memory must be looked at."""
+    looked_at = b"'nonsense'" in result.stderr
+    own = caller == os.path.basename(options.program)
+    return ["the next option was not looked at"] if own and name == "lists" and not looked_at else []
 
 
 def without_gaps(name, result, right):
@@ -110,7 +124,8 @@ def fail_each(options, name, kind):
                 result = without_gaps(name, result, right)
             judge(f"{name}, allocation {number}{kind} from {caller}", result,
                   harness.faults_of(result, right) +
-                  wrong_message(options, result, right, caller), caller)
+                  wrong_message(options, result, right, caller) +
+                  (forgotten(options, name, result, caller) if kind == "" else []), caller)
 
 
 def fail_all(options):

@@ -76,9 +76,9 @@ TEST_F(DataPlot, each_plot_is_settings_command_and_data) {
     MultiPlot = 0;
     CurCurvesGroupToPlot = 1;
     CurDataGroupToPlot = 1;
-    const std::string settings = sent([] { write_settings(1, 1, 0.0, 2.0); });
-    const std::string command = sent([] { write_plot_command(1, 1); });
-    const std::string data = sent([] { write_data_blocks(1, 1); });
+    const std::string settings = sent([] { write_settings({1, 1}, 0.0, 2.0); });
+    const std::string command = sent([] { write_plot_command({1, 1}); });
+    const std::string data = sent([] { write_data_blocks({1, 1}); });
     EXPECT_EQ(plotted(1).stream, settings + command + data);
     EXPECT_EQ(plotted(0).stream, data);
     EXPECT_EQ(data, "0.000000 0.000000\n1.000000 10.000000\n2.000000 0.000000\ne\n");
@@ -195,11 +195,11 @@ TEST_F(DataPlot, shifts_that_are_ready_are_kept) {
 
 TEST_F(DataPlot, column_0_is_in_no_plot) {
     make_four_plots();
-    EXPECT_TRUE(column_is_in(1, 1));
-    EXPECT_FALSE(column_is_in(1, 2));
-    EXPECT_FALSE(column_is_in(0, 0));
-    EXPECT_TRUE(curve_is_in(1, 2));
-    EXPECT_FALSE(curve_is_in(1, 1));
+    EXPECT_TRUE(column_is_in(1, {1, 1}));
+    EXPECT_FALSE(column_is_in(1, {1, 2}));
+    EXPECT_FALSE(column_is_in(0, {1, 0}));
+    EXPECT_TRUE(curve_is_in(1, {2, 1}));
+    EXPECT_FALSE(curve_is_in(1, {1, 1}));
 }
 
 TEST_F(DataPlot, a_column_that_a_set_lacks_has_no_points) {

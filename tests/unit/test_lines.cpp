@@ -162,7 +162,7 @@ TEST_F(Lines, a_long_first_one_of_a_pipe_can_be_read_again) {
     close(ends[0]);
 }
 
-TEST_F(Lines, a_file_is_opened_again_by_its_name) {
+TEST_F(Lines, another_file_can_be_opened_after_a_first_line) {
     const text_file_t one("one\n"), two("two\n");
     open_input(one.name());
     next_line();

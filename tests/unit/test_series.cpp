@@ -12,11 +12,11 @@
 using Series = Fresh;
 
 static std::string command(int curve_group = 1, int column_group = 1) {
-    return sent([=] { write_plot_command(curve_group, column_group); });
+    return sent([=] { write_plot_command({curve_group, column_group}); });
 }
 
 static std::string data(int curve_group = 1, int column_group = 1) {
-    return sent([=] { write_data_blocks(curve_group, column_group); });
+    return sent([=] { write_data_blocks({curve_group, column_group}); });
 }
 
 // Sets of two points each, so that every value tells where it comes from: set c has s = c and
@@ -110,9 +110,11 @@ TEST_F(Series, a_style_that_is_none_ends_the_run) {
         make_store({P_GINT_S, P_GINT_SMS});
         Type[4].style_type = style;
         f = std::tmpfile();
-        EXPECT_TRUE(
-            ended_with(in_child([] { write_plot_command(1, 1); }), 1, "",
-                       "Invalid plotting style " + std::to_string(style) + " for data type 4\n"));
+        EXPECT_TRUE(ended_with(
+            in_child([] {
+                write_plot_command({1, 1});
+            }),
+            1, "", "Invalid plotting style " + std::to_string(style) + " for data type 4\n"));
         char start[20] = "";
         EXPECT_EQ(pread(fileno(f), start, sizeof start, 0), 5);
         EXPECT_STREQ(start, "plot ");
@@ -126,9 +128,11 @@ TEST_F(Series, s_and_r_columns_have_no_style) {
         reset_state();
         make_store({P_GINT_S, kind});
         f = std::tmpfile();
-        EXPECT_TRUE(
-            ended_with(in_child([] { write_plot_command(1, 1); }), 1, "",
-                       "Invalid plotting style 0 for data type " + std::string(row) + "\n"));
+        EXPECT_TRUE(ended_with(
+            in_child([] {
+                write_plot_command({1, 1});
+            }),
+            1, "", "Invalid plotting style 0 for data type " + std::string(row) + "\n"));
         std::fclose(f);
     }
 }
@@ -139,8 +143,10 @@ TEST_F(Series, a_hidden_column_needs_a_style_too) {
     smsErrBars = 1;
     Type[10].style_type = 9;
     f = std::tmpfile();
-    EXPECT_TRUE(ended_with(in_child([] { write_plot_command(1, 1); }), 1, "",
-                           "Invalid plotting style 9 for data type 10\n"));
+    EXPECT_TRUE(ended_with(in_child([] {
+                               write_plot_command({1, 1});
+                           }),
+                           1, "", "Invalid plotting style 9 for data type 10\n"));
     std::fclose(f);
 }
 

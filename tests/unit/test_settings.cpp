@@ -21,7 +21,7 @@ static void make_store() {
 }
 
 static std::string settings() {
-    return sent([] { write_settings(1, 1, 2.0, 4.0); });
+    return sent([] { write_settings({1, 1}, 2.0, 4.0); });
 }
 
 // The line of the settings that begins so, without its newline; "none" if there is none.
@@ -145,7 +145,9 @@ TEST_F(PlotSettings, a_ratio_of_zero_is_none) {
 static void expect_xrange(const std::string& xmin, const std::string& xmax) {
     EXPECT_EQ(line("set xrange"), "set xrange [" + xmin + " : " + xmax + "]");
     f = std::tmpfile();
-    EXPECT_EQ(said([] { write_settings(1, 1, 2.0, 4.0); }),
+    EXPECT_EQ(said([] {
+                  write_settings({1, 1}, 2.0, 4.0);
+              }),
               "xmin=" + xmin + "\nxmax=" + xmax + "\n");
     std::fclose(f);
     f = nullptr;
@@ -182,13 +184,13 @@ TEST_F(PlotSettings, the_extent_of_s_is_that_of_first_and_last_points) {
     const int groups[] = {1, 1, 2, 3};
     std::copy(groups, groups + 4, CurvePlotGroup);
     double xMin, xMax;
-    abscissa_extent(1, &xMin, &xMax);
+    abscissa_extent({1, 1}, &xMin, &xMax);
     EXPECT_EQ(xMin, 2);
     EXPECT_EQ(xMax, 4);
-    abscissa_extent(3, &xMin, &xMax);
+    abscissa_extent({3, 1}, &xMin, &xMax);
     EXPECT_EQ(xMin, 7);
     EXPECT_EQ(xMax, 7);
-    abscissa_extent(4, &xMin, &xMax);
+    abscissa_extent({4, 1}, &xMin, &xMax);
     EXPECT_EQ(xMin, 1e99);
     EXPECT_EQ(xMax, -1e99);
 }
@@ -291,7 +293,7 @@ TEST_F(PlotSettings, a_column_of_no_kind_ends_the_run_inside_the_label) {
     set_plot_columns({P_GINT_S, P_GINT_INT, 0});
     ColPlotGroup[1] = 1;  // the other column is in no plot, and is looked up all the same
     f = std::tmpfile();
-    const ended_t ended = in_child([] { write_settings(1, 1, 2.0, 4.0); });
+    const ended_t ended = in_child([] { write_settings({1, 1}, 2.0, 4.0); });
     EXPECT_TRUE(ended_with(ended, 1, "xmin=1.900000\nxmax=4.100000\nUnknown data type: 0\n", ""));
     std::string text(5000, '\0');
     text.resize(static_cast<std::size_t>(pread(fileno(f), text.data(), text.size(), 0)));

@@ -17,7 +17,7 @@ static column_t curve(double moved, double extent = 10) {
 
 static std::string calculate() {
     combine_all();
-    return said([] { calc_shifts(1, 1); });
+    return said([] { calc_shifts({1, 1}); });
 }
 
 TEST_F(Shifts, equal_intensities_are_stacked_by_a_fifth_of_their_extent) {
@@ -165,7 +165,9 @@ TEST_F(Shifts, only_the_curves_and_columns_of_the_plot_take_part) {
     ColPlotGroup[1] = 1;
     ColPlotGroup[2] = 2;
     CurveShift[0][1] = CurveShift[1][1] = 77;
-    EXPECT_EQ(said([] { calc_shifts(2, 2); }),
+    EXPECT_EQ(said([] {
+                  calc_shifts({2, 2});
+              }),
               "bcs> n=3 Nbuf=0\nBgl. (2-1)> i=2, j=2, k=1, l=2 (shift=2.000000)\n"
               "bcs> n=3 Nbuf=1\nBgl. (3-1)> i=2, j=2, k=2, l=2 (shift=4.000000)\n"
               "shiftMult=1.000000\nBgl. (2-1) AutoShift=2.000000\n"
@@ -180,6 +182,7 @@ TEST_F(Shifts, deviations_are_never_placed) {
     add_set(1, 1, {X, {0, 2, 0}, {1, 1, 1}});
     for (int* flag : {&smsErrBars, &dsmsErrBars, &smsErrFill, &dsmsErrFill, &dsmslErrFill}) {
         *flag = 1;
+        CurveShift[0][2] = 7;
         const std::string message = calculate();
         EXPECT_EQ(message.find("sMsS (1-1)>"), std::string::npos);
         EXPECT_TRUE(contains(message, "sMsS (1-1) AutoShift=0.000000\n"));
@@ -228,7 +231,10 @@ TEST_F(Shifts, equal_abscissae_end_the_run) {
     add_set(2, 1, {{1, 1}, {2, 3}});
     combine_all();
     EXPECT_TRUE(
-        ended_with(in_child([] { calc_shifts(1, 1); }), 1,
+        ended_with(in_child([] {
+                       calc_shifts({1, 1});
+                   }),
+                   1,
                    "bcs> n=2 Nbuf=0\nTot.Exp.Int. (1-1)> i=1, j=1, k=0, l=1 (shift=0.200000)\n"
                    "bcs> n=2 Nbuf=1\n",
                    "linear interpolation: step error."));

@@ -255,11 +255,13 @@ static void compare_phases(unsigned seed, const spacings_t& spacings, int sets) 
     make_store(&random, spacings, sets);
     const naive_stack_t expected = naive_stack(1, 1);
     if (expected.is_step) {
-        ASSERT_TRUE(ended_with(in_child([] { calc_shifts(1, 1); }), 1, expected.trace,
-                               "linear interpolation: step error."));
+        ASSERT_TRUE(ended_with(in_child([] {
+                                   calc_shifts({1, 1});
+                               }),
+                               1, expected.trace, "linear interpolation: step error."));
         return;
     }
-    ASSERT_EQ(said([] { calc_shifts(1, 1); }), expected.trace);
+    ASSERT_EQ(said([] { calc_shifts({1, 1}); }), expected.trace);
     for (std::size_t k = 0; k < expected.shift.size(); k++) {
         for (std::size_t l = 0; l < expected.shift[k].size(); l++)
             ASSERT_EQ(bits(CurveShift[k][l]), bits(expected.shift[k][l])) << k << ", " << l;

@@ -261,15 +261,15 @@ TEST_F(TablesVer1, a_table_that_ends_with_a_set_nobody_asks_for_stays_open) {
     EXPECT_EQ(PlotColType[1], P_GINT_INT);
 }
 
-TEST_F(TablesVer1, without_the_table_there_are_no_columns) {
-    for (const char* text : {"no mark\n", "GED curves.\n\n"}) {
-        TableN = 2;
-        EXPECT_EQ(read(text), "");
-        EXPECT_EQ(Ncols, 0);
-        EXPECT_EQ(NcolsToPlot, 0);
-        for (int j = 0; j < MAX_COLS; j++)
-            EXPECT_EQ(ColType[j] | TypePos[j] | PlotColType[j] | PlotTypePos[j], 0);
-    }
+TEST_F(TablesVer1, every_mark_forgets_the_columns) {
+    TableN = 2;
+    Ncols = NcolsToPlot = 2;
+    ColType[1] = TypePos[1] = PlotColType[1] = PlotTypePos[1] = 7;
+    EXPECT_EQ(read("GED curves.\n\n"), "");
+    EXPECT_EQ(Ncols, 0);
+    EXPECT_EQ(NcolsToPlot, 0);
+    for (int j = 0; j < MAX_COLS; j++)
+        EXPECT_EQ(ColType[j] | TypePos[j] | PlotColType[j] | PlotTypePos[j], 0);
 }
 
 TEST_F(TablesVer1, a_file_without_a_mark_leaves_the_columns_alone) {

@@ -12,6 +12,7 @@ static void expect_version(const std::string& text, int layout, const std::strin
     int result = -1;
     EXPECT_EQ(said([&] { result = detect_int_table_version(file.name()); }), message);
     EXPECT_EQ(result, layout);
+    close_input();  // the next file may have the same name
 }
 
 static void expect_word(const std::string& word, int layout, const std::string& message) {

@@ -68,9 +68,9 @@ bool read_line(char (&line)[LINE_SIZE]);
 
 void close_input();
 
-// For use instead of close_input after the first line alone has been read: a file is closed, but
-// what can be read only once, such as a pipe, stays open, and the next open_input goes on with it
-// from that line.
+// For use instead of close_input after the first line alone has been read: the file stays open,
+// and the next open_input of that name begins with the first line again. So even what can be read
+// only once, such as a pipe, is opened twice.
 void leave_first_line();
 
 // ---- Version (version.cpp) ---------------------------------------------------------------------
@@ -79,7 +79,8 @@ void leave_first_line();
 // "KOVA version: %d\n" if there is one.
 int detect_int_table_version(const char* inpFname);
 
-// ---- Rows (rows.cpp) ---------------------------------------------------------------------------
+// ---- Rows of numbers (numbers.cpp)
+// ----------------------------------------------------------------
 
 // The most numbers that are read from one row; more than MAX_COLS, so that too many are noticed.
 constexpr int MAX_NUMBERS = 20;

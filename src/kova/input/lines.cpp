@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -33,8 +32,9 @@ static ssize_t read_block() {
 }
 
 void open_input(const char* inpFname) {
-    if (Descriptor != -1)
+    if (Descriptor != -1 && std::strcmp(inpFname, Name) == 0)
         return;  // left open at its first line
+    close_input();
     Name = inpFname;
     Descriptor = open(inpFname, O_RDONLY | O_CLOEXEC);
     AtFirstLine = true;
@@ -45,11 +45,7 @@ void open_input(const char* inpFname) {
 }
 
 void leave_first_line() {
-    struct stat status;
-    if (fstat(Descriptor, &status) == 0 && S_ISREG(status.st_mode))
-        close_input();
-    else
-        BlockPos = 0;
+    BlockPos = 0;
 }
 
 // True if there is something in the block to take.
@@ -85,6 +81,7 @@ bool read_line(char (&line)[LINE_SIZE]) {
 }
 
 void close_input() {
-    close(Descriptor);
+    if (Descriptor != -1)
+        close(Descriptor);
     Descriptor = -1;
 }

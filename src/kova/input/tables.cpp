@@ -40,21 +40,11 @@ static constexpr char SET_END_VER1[] = "===================";
 static constexpr char TABLE_END_VER1[] = "-------------------";
 static constexpr char RULE_VER2[] = "----------------";
 
+namespace {
+
 struct label_t {
     const char* text;
     int kind;
-};
-
-static const label_t Labels[MAX_COLS] = {
-    {"   Total Int.  |", P_GINT_INT},  {"    Red. Int.  |", P_GINT_RINT},
-    {"    Lvl. Int.  |", P_GINT_LINT}, {"   Background  |", P_GINT_BGL},
-    {"   Exp. sM(s)  |", P_GINT_SMS},  {"   Thr. sM(s)  |", P_GINT_TSMS},
-    {"  Delta sM(s)  |", P_GINT_DSMS}, {"   Sec. Func.  |", P_GINT_SEC},
-    {"   At. Scat.   |", P_GINT_IAT},  {"       S      |", P_GINT_S},
-    {"    Red. Bgl   |", P_GINT_RBGL}, {"    Lvl. Bgl   |", P_GINT_LBGL},
-    {"  sM(s) St.dev |", P_GINT_SMSS}, {"  Int. St.dev  |", P_GINT_INTS},
-    {"      R      |", P_GINT_R},      {" Thr. Tot. Int |", P_GINT_TINT},
-    {"   Delta Int.  |", P_GINT_DINT},
 };
 
 // What the line that comes next is to the reader. Each layout passes its own in order.
@@ -68,8 +58,21 @@ enum stage_t {
     STAGE_END,     // nothing: the table has been read
 };
 
-// Where the reader is. Label and factor of a set stand until the next one has its own.
-static stage_t Stage;
+}  // namespace
+
+static const label_t Labels[MAX_COLS] = {
+    {"   Total Int.  |", P_GINT_INT},  {"    Red. Int.  |", P_GINT_RINT},
+    {"    Lvl. Int.  |", P_GINT_LINT}, {"   Background  |", P_GINT_BGL},
+    {"   Exp. sM(s)  |", P_GINT_SMS},  {"   Thr. sM(s)  |", P_GINT_TSMS},
+    {"  Delta sM(s)  |", P_GINT_DSMS}, {"   Sec. Func.  |", P_GINT_SEC},
+    {"   At. Scat.   |", P_GINT_IAT},  {"       S      |", P_GINT_S},
+    {"    Red. Bgl   |", P_GINT_RBGL}, {"    Lvl. Bgl   |", P_GINT_LBGL},
+    {"  sM(s) St.dev |", P_GINT_SMSS}, {"  Int. St.dev  |", P_GINT_INTS},
+    {"      R      |", P_GINT_R},      {" Thr. Tot. Int |", P_GINT_TINT},
+    {"   Delta Int.  |", P_GINT_DINT},
+};
+
+// How many tables were met. Label and factor of a set stand until the next one has its own.
 static int tableN;
 static int CurNd, CurNc;
 static double ScaleFactor;
@@ -85,10 +88,9 @@ static void pass_over_line() {
 
 // ---- Both layouts ------------------------------------------------------------------------------
 
-// Counts tables; true at the one to be read.
-static bool opens_table(const char* inpstr) {
-    if (!has(inpstr, TABLE_MARK))
-        return false;
+// To be called at the mark of a table: counts it, and passes over the line below the mark. True if
+// it is the one to be read.
+static bool enter_table() {
     tableN++;
     pass_over_line();
     clear_curves();
@@ -176,15 +178,18 @@ static void report_set() {
 
 // Runs one layout's stages over the lines of the file. The line that meets the end of the file is
 // the last one handled; a line that is passed over does not count.
-static void read_table(const char* inpFname, stage_t (*handle)(char (&line)[LINE_SIZE])) {
+static void read_table(const char* inpFname,
+                       stage_t (*handle)(stage_t stage, char (&line)[LINE_SIZE])) {
     char inpstr[LINE_SIZE];
     bool at_end = false;
     open_input(inpFname);
     tableN = 0;
     CurNd = CurNc = 0;
     ScaleFactor = 1.0;
-    for (Stage = STAGE_TABLE; Stage != STAGE_END && !at_end; Stage = handle(inpstr))
+    for (stage_t stage = STAGE_TABLE; stage != STAGE_END && !at_end;) {
         at_end = read_line(inpstr);
+        stage = handle(stage, inpstr);
+    }
     close_input();
 }
 
@@ -255,18 +260,30 @@ static stage_t read_row_ver1(const char* inpstr) {
     return STAGE_ROWS;
 }
 
-static stage_t handle_ver1(char (&inpstr)[LINE_SIZE]) {
-    switch (Stage) {
+static stage_t look_for_table_ver1(const char* inpstr) {
+    if (!has(inpstr, TABLE_MARK))
+        return STAGE_TABLE;
+    clear_columns();
+    return enter_table() ? STAGE_HEADER : STAGE_TABLE;
+}
+
+static stage_t handle_ver1(stage_t stage, char (&inpstr)[LINE_SIZE]) {
+    switch (stage) {
         case STAGE_TABLE:
-            return opens_table(inpstr) ? STAGE_HEADER : STAGE_TABLE;
+            return look_for_table_ver1(inpstr);
         case STAGE_HEADER:
             read_header_row(inpstr);
             return STAGE_SET;
         case STAGE_SET:
             return has(inpstr, SET_MARK_VER1) ? open_set_ver1(inpstr) : STAGE_SET;
-        default:
+        case STAGE_ROWS:
             return read_row_ver1(inpstr);
+        case STAGE_SCALE:
+        case STAGE_RULE:
+        case STAGE_END:
+            break;
     }
+    return STAGE_END;
 }
 
 void parse_kova_int_tables_ver1(const char* inpFname) {
@@ -312,16 +329,29 @@ static void read_factor_ver2(char* inpstr) {
     CurveScaleFactor[Ncurves - 1] = ScaleFactor;
 }
 
+static stage_t look_for_table_ver2(const char* inpstr) {
+    return has(inpstr, TABLE_MARK) && enter_table() ? STAGE_SET : STAGE_TABLE;
+}
+
 static stage_t look_for_set_ver2(char* inpstr) {
     if (has(inpstr, SET_MARK_VER2))
         return open_set_ver2(inpstr);
     return is_empty(inpstr) ? STAGE_END : STAGE_SET;
 }
 
-static stage_t handle_ver2(char (&inpstr)[LINE_SIZE]) {
-    switch (Stage) {
+static stage_t read_row_ver2(const char* inpstr) {
+    if (has(inpstr, RULE_VER2)) {
+        report_set();
+        return STAGE_SET;
+    }
+    read_data_row(inpstr);
+    return STAGE_ROWS;
+}
+
+static stage_t handle_ver2(stage_t stage, char (&inpstr)[LINE_SIZE]) {
+    switch (stage) {
         case STAGE_TABLE:
-            return opens_table(inpstr) ? STAGE_SET : STAGE_TABLE;
+            return look_for_table_ver2(inpstr);
         case STAGE_SET:
             return look_for_set_ver2(inpstr);
         case STAGE_SCALE:
@@ -335,14 +365,12 @@ static stage_t handle_ver2(char (&inpstr)[LINE_SIZE]) {
             read_header_row(inpstr);
             create_curve_columns();
             return STAGE_ROWS;
-        default:
-            if (!has(inpstr, RULE_VER2)) {
-                read_data_row(inpstr);
-                return STAGE_ROWS;
-            }
-            report_set();
-            return STAGE_SET;
+        case STAGE_ROWS:
+            return read_row_ver2(inpstr);
+        case STAGE_END:
+            break;
     }
+    return STAGE_END;
 }
 
 void parse_kova_int_tables_ver2(const char* inpFname) {

@@ -19,6 +19,8 @@
 buf_t* buf = nullptr;
 std::int32_t Nbuf = 0;
 
+namespace {
+
 // The envelope over one set of abscissae.
 struct envelope_t {
     int n;
@@ -28,6 +30,8 @@ struct envelope_t {
     std::int32_t* count;  // curves that cover x
     std::int32_t folded;
 };
+
+}  // namespace
 
 static envelope_t* Envelopes = nullptr;
 static int Nenvelopes = 0;
@@ -111,7 +115,10 @@ static void find_bracket(buf_t* curve, double x) {
     }
     while (khi - klo > 1) {
         const std::int32_t k = (khi + klo) >> 1;
-        (xs[k] > x ? khi : klo) = k;
+        if (xs[k] > x)
+            khi = k;
+        else
+            klo = k;
     }
     curve->klo = klo;
     curve->khi = khi;

@@ -2,30 +2,49 @@
 //
 // Plotting: what gnuplot is sent for each plot, and how the curves of the first one are stacked.
 //
-// A plot is one pair of a curve group and a column group. Its curves are the data sets k with
-// CurvePlotGroup[k] equal to the curve group, its columns the plot columns l >= 1 with
-// ColPlotGroup[l] equal to the column group, both in ascending order.
+// Indices as everywhere: c is a data set, j a plot column, k a point; g and h are the groups of a
+// plot.
 #pragma once
 
 #include <cstdint>
 
+#include "input/input.h"
 #include "run/run.h"
+
+// ---- What belongs to a plot (members.cpp) ------------------------------------------------------
+
+// A plot is one pair of a curve group and a column group, both from 1.
+struct plot_t {
+    int g;  // its curves are the data sets c with CurvePlotGroup[c] equal to g
+    int h;  // its columns are the plot columns j >= 1 with ColPlotGroup[j] equal to h
+};
+
+// Column 0, the abscissa, is in no plot.
+bool curve_is_in(int c, plot_t plot);
+bool column_is_in(int j, plot_t plot);
+
+// Points of a plot column of a curve: Npts, or 0 for a column that the data set does not have.
+int column_points(int c, int j);
+
+// Visits every column of every curve of the plot, curve by curve: visit(c, j).
+template <class visitor_t>
+void for_each_column(plot_t plot, visitor_t visit) {
+    for (int c = 0; c < Ncurves; c++) {
+        if (!curve_is_in(c, plot))
+            continue;
+        for (int j = 1; j < NcolsToPlot; j++) {
+            if (column_is_in(j, plot))
+                visit(c, j);
+        }
+    }
+}
 
 // ---- The frame (data_plot.cpp) -----------------------------------------------------------------
 
-// The single plot that data_plot draws when MultiPlot is 0, groups from 1; the driver sets it.
-extern int CurCurvesGroupToPlot, CurDataGroupToPlot;
-
 // Writes the plots to gnuplot: with give_commands their settings, plot command and data, without
-// it the data only, as gnuplot expects it after "replot". Returns 0.
+// it the data only, as gnuplot expects it after "replot". When MultiPlot is 0, only the plot
+// CurCurvesGroupToPlot, CurDataGroupToPlot. Returns 0.
 int data_plot(int give_commands);
-
-// True if the curve, or the column, is part of the plot. Column 0, the abscissa, never is.
-bool curve_is_in(int curve, int curve_group);
-bool column_is_in(int column, int column_group);
-
-// Points of a plot column of a curve: Npts, or 0 for a column that the data set does not have.
-int column_points(int curve, int column);
 
 // ---- The curve buffer (curve_buffer.cpp) -------------------------------------------------------
 // The curves placed so far, each with its shift. Emptied before and after the stacking of a plot.
@@ -64,19 +83,19 @@ double buf_calc_shift(int n, const double* data_x, const double* data_y, double*
 extern int AutoShiftsReady;  // flag: the shifts of this run are final; set by calc_shifts
 
 // Computes CurveShift for the curves of a plot and tells about it on standard output.
-void calc_shifts(int curve_group, int column_group);
+void calc_shifts(plot_t plot);
 
 // ---- Settings (settings.cpp) -------------------------------------------------------------------
 
 // The range of y in the plot written last; set by write_settings.
 extern double YrangeMin, YrangeMax;
 
-// The first and last s of the curves of a group, 1e99 and -1e99 if there are none.
-void abscissa_extent(int curve_group, double* xMin, double* xMax);
+// The first and last s of the curves of a plot, 1e99 and -1e99 if there are none.
+void abscissa_extent(plot_t plot, double* xMin, double* xMax);
 
 // Sends the commands that stand before the plot command; xMin and xMax are the extent above.
 // Prints the x range on standard output.
-void write_settings(int curve_group, int column_group, double xMin, double xMax);
+void write_settings(plot_t plot, double xMin, double xMax);
 
 // True if the run makes an image, which has typeset labels and widths of its own.
 bool makes_image();
@@ -85,10 +104,10 @@ bool makes_image();
 
 // Sends the plot command. A kind with a drawing style that is none ends the run with status 1 and
 // "Invalid plotting style %d for data type %d\n" on standard error.
-void write_plot_command(int curve_group, int column_group);
+void write_plot_command(plot_t plot);
 
 // Sends the data of every series of that command, in the same order.
-void write_data_blocks(int curve_group, int column_group);
+void write_data_blocks(plot_t plot);
 
 // ---- Rows of data (rows.cpp) -------------------------------------------------------------------
 

@@ -12,7 +12,8 @@
 
 // ---- Numbers -----------------------------------------------------------------------------------
 
-// 64-bit compilers have the integers of 128 bits that this takes; elsewhere the library writes all.
+// 64-bit compilers have the integers of 128 bits that this takes; elsewhere the library writes
+// all.
 #ifdef __SIZEOF_INT128__
 
 // Exponents of two for which a number is scaled in integers: from about 1e-9 to 1e12.
@@ -71,12 +72,14 @@ char* write_number(char* to, double value) {
 
 // An abscissa as text, each number with the blank that follows it. Most series share theirs with
 // others: the columns of a data set, and the sets of an instrument.
+namespace {
 struct abscissa_t {
     int n;
     double* x;
     std::uint16_t* lengths;
     char* text;
 };
+}  // namespace
 
 // The abscissae written last. Two, since most experiments have two nozzle-to-plate distances.
 static abscissa_t Abscissae[2];
@@ -87,6 +90,7 @@ static bool is_same(const abscissa_t& known, const double* x, int n) {
 }
 
 static void write_abscissa(abscissa_t* abscissa, const double* x, int n) {
+    flush_rows();  // without memory the run ends here, but not without the rows that are finished
     const std::size_t count = static_cast<std::size_t>(n);
     abscissa->n = 0;  // not to be found while it is unfinished
     abscissa->x = resized(abscissa->x, count);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <initializer_list>
 
-#include "input/input.h"
 #include "plot/plot.h"
 
 // How the deviations of an sM(s) column are shown, if they are.
+namespace {
 enum deviation_t {
     DEV_NONE,
     DEV_BARS,        // error bars
@@ -12,6 +12,7 @@ enum deviation_t {
     DEV_LEVEL_BAND,  // a band around the zero line of the curve
     DEV_HIDDEN,      // the column of the deviations themselves: shown with the others
 };
+}  // namespace
 
 static deviation_t deviation_of(int kind) {
     if (kind == P_GINT_SMS)
@@ -28,15 +29,12 @@ static deviation_t deviation_of(int kind) {
 // all others, so that its points lie on top of the lines. Plot command and data blocks both walk
 // this way; gnuplot matches them by their order alone.
 template <class visitor_t>
-static void walk(int curve_group, int column_group, visitor_t visit) {
+static void walk(plot_t plot, visitor_t visit) {
     for (const bool experimental : {false, true}) {
-        for (int i = 0; i < Ncurves; i++) {
-            for (int j = 1; curve_is_in(i, curve_group) && j < NcolsToPlot; j++) {
-                if (column_is_in(j, column_group) &&
-                    (PlotColType[j] == P_GINT_SMS) == experimental)
-                    visit(i, j);
-            }
-        }
+        for_each_column(plot, [&](int c, int j) {
+            if ((PlotColType[j] == P_GINT_SMS) == experimental)
+                visit(c, j);
+        });
     }
 }
 
@@ -44,11 +42,13 @@ static void walk(int curve_group, int column_group, visitor_t visit) {
 
 // Widths and point size in gnuplot's units. Those of an image are made for a width of 2000, 1800
 // and 1200 pixels and shrink as it grows, so that the picture looks the same at any size.
+namespace {
 struct widths_t {
     double ewf;  // error bars
     double wf;   // factor of the lines
     double ps;   // points
 };
+}  // namespace
 
 static widths_t plot_widths() {
     widths_t widths = {1.0, 1.0, 0.7};
@@ -89,10 +89,10 @@ static void write_deviation_series(int r, deviation_t deviation, const widths_t&
                      Type[r].style_color);
 }
 
-static void write_curve_series(int i, int r, const char* style, const widths_t& widths) {
+static void write_curve_series(int c, int r, const char* style, const widths_t& widths) {
     std::fprintf(f, "'-' using 1:2 ");
     if (PlotLegend)
-        std::fprintf(f, "title '%s (%d-%d)'", Type[r].name_short, CurveNd[i], CurveNc[i]);
+        std::fprintf(f, "title '%s (%d-%d)'", Type[r].name_short, CurveNd[c], CurveNc[c]);
     else
         std::fprintf(f, "notitle");
     std::fprintf(f, " with %s ", style);
@@ -103,11 +103,11 @@ static void write_curve_series(int i, int r, const char* style, const widths_t& 
     std::fprintf(f, " lw %4.1f lc rgb \"%s\"", Type[r].style_lw * widths.wf, Type[r].style_color);
 }
 
-void write_plot_command(int curve_group, int column_group) {
+void write_plot_command(plot_t plot) {
     const widths_t widths = plot_widths();
     const char* separator = " ";
     std::fprintf(f, "plot ");
-    walk(curve_group, column_group, [&](int i, int j) {
+    walk(plot, [&](int c, int j) {
         const int r = d_idx(PlotColType[j]);
         const char* style = style_word(r);
         const deviation_t deviation = deviation_of(PlotColType[j]);
@@ -116,19 +116,19 @@ void write_plot_command(int curve_group, int column_group) {
         std::fprintf(f, "%s", separator);
         separator = ", ";
         write_deviation_series(r, deviation, widths);
-        write_curve_series(i, r, style, widths);
+        write_curve_series(c, r, style, widths);
     });
     std::fprintf(f, "\n");
 }
 
 // ---- The data ----------------------------------------------------------------------------------
 
-static void write_deviation_block(int i, int j, deviation_t deviation) {
-    const double* y = Curve[i][j];
-    const double* d = Curve[i][ColErrIdx[j]];
-    const double shift = CurveShift[i][j];
-    const int n = d == nullptr ? 0 : column_points(i, j);
-    begin_rows(Curve[i][0], n);
+static void write_deviation_block(int c, int j, deviation_t deviation) {
+    const double* y = Curve[c][j];
+    const double* d = Curve[c][ColErrIdx[j]];
+    const double shift = CurveShift[c][j];
+    const int n = d == nullptr ? 0 : column_points(c, j);
+    begin_rows(Curve[c][0], n);
     for (int k = 0; k < n; k++) {
         const double level = deviation == DEV_LEVEL_BAND ? shift : y[k] + shift;
         if (deviation == DEV_BARS)
@@ -139,24 +139,24 @@ static void write_deviation_block(int i, int j, deviation_t deviation) {
     end_rows();
 }
 
-static void write_curve_block(int i, int j) {
-    const double* y = Curve[i][j];
-    const double shift = CurveShift[i][j];
-    const int n = column_points(i, j);
-    begin_rows(Curve[i][0], n);
+static void write_curve_block(int c, int j) {
+    const double* y = Curve[c][j];
+    const double shift = CurveShift[c][j];
+    const int n = column_points(c, j);
+    begin_rows(Curve[c][0], n);
     for (int k = 0; k < n; k++)
         write_row(y[k] + shift);
     end_rows();
 }
 
-void write_data_blocks(int curve_group, int column_group) {
-    walk(curve_group, column_group, [](int i, int j) {
+void write_data_blocks(plot_t plot) {
+    walk(plot, [](int c, int j) {
         const deviation_t deviation = deviation_of(PlotColType[j]);
         if (deviation == DEV_HIDDEN)
             return;
         if (deviation != DEV_NONE)
-            write_deviation_block(i, j, deviation);
-        write_curve_block(i, j);
+            write_deviation_block(c, j, deviation);
+        write_curve_block(c, j);
     });
     flush_rows();
 }

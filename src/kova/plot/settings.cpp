@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <cstring>
 
-#include "input/input.h"
 #include "plot/plot.h"
 
 double YrangeMin = 0.0, YrangeMax = 0.0;
@@ -13,14 +12,14 @@ bool makes_image() {
     return MakeImage == IMG_PNG || MakeImage == IMG_EPS || MakeImage == IMG_SVG;
 }
 
-void abscissa_extent(int curve_group, double* xMin, double* xMax) {
+void abscissa_extent(plot_t plot, double* xMin, double* xMax) {
     *xMin = 1e99;
     *xMax = -1e99;
-    for (int i = 0; i < Ncurves; i++) {
-        if (!curve_is_in(i, curve_group))
+    for (int c = 0; c < Ncurves; c++) {
+        if (!curve_is_in(c, plot))
             continue;
-        const double first = Curve[i][0][0];
-        const double last = Curve[i][0][Npts[i] - 1];
+        const double first = Curve[c][0][0];
+        const double last = Curve[c][0][Npts[c] - 1];
         if (first < *xMin)
             *xMin = first;
         if (last > *xMax)
@@ -28,22 +27,18 @@ void abscissa_extent(int curve_group, double* xMin, double* xMax) {
     }
 }
 
-static void ordinate_extent(int curve_group, int column_group, double* ymin, double* ymax) {
+static void ordinate_extent(plot_t plot, double* ymin, double* ymax) {
     *ymin = 1e99;
     *ymax = -1e99;
-    for (int i = 0; i < Ncurves; i++) {
-        for (int j = 1; curve_is_in(i, curve_group) && j < NcolsToPlot; j++) {
-            if (!column_is_in(j, column_group))
-                continue;
-            for (int k = 0; k < column_points(i, j); k++) {
-                const double y = Curve[i][j][k] + CurveShift[i][j];
-                if (y > *ymax)
-                    *ymax = y;
-                if (y < *ymin)
-                    *ymin = y;
-            }
+    for_each_column(plot, [=](int c, int j) {
+        for (int k = 0; k < column_points(c, j); k++) {
+            const double y = Curve[c][j][k] + CurveShift[c][j];
+            if (y > *ymax)
+                *ymax = y;
+            if (y < *ymin)
+                *ymin = y;
         }
-    }
+    });
 }
 
 // Font size of an image: SVG viewers scale the picture down, so it needs larger letters.
@@ -85,9 +80,9 @@ static void write_xrange(double xMin, double xMax) {
     std::fprintf(f, "set xrange [%f : %f]\n", lxmin, lxmax);
 }
 
-static void write_yrange(int curve_group, int column_group) {
+static void write_yrange(plot_t plot) {
     double ymin, ymax;
-    ordinate_extent(curve_group, column_group, &ymin, &ymax);
+    ordinate_extent(plot, &ymin, &ymax);
     YrangeMin = ymin - MARGIN * (ymax - ymin);
     YrangeMax = ymax + MARGIN * (ymax - ymin);
     std::fprintf(f, "set yrange [%f : %f]\n", YrangeMin, YrangeMax);
@@ -103,22 +98,22 @@ static bool label_is_used(int r) {
 }
 
 // True if row r of Type, the kind of plot column j, is to be named in the y label.
-static bool needs_label(int j, int r, int column_group) {
+static bool needs_label(int j, int r, plot_t plot) {
     if (PlotColType[j] == P_GINT_SMSS && deviations_shown())
         return false;  // shown as part of the sM(s) series
-    if (!column_is_in(j, column_group) || Type[r].user)
+    if (!column_is_in(j, plot) || Type[r].user)
         return false;
     return !makes_image() || !label_is_used(r);
 }
 
-static void write_ylabel(int column_group) {
+static void write_ylabel(plot_t plot) {
     for (data_type_t& kind : Type)
         kind.user = 0;
     std::fprintf(f, "set ylabel \"");
     const char* separator = "";
     for (int j = 1; j < NcolsToPlot; j++) {
         const int r = d_idx(PlotColType[j]);
-        if (!needs_label(j, r, column_group))
+        if (!needs_label(j, r, plot))
             continue;
         std::fprintf(f, "%s%s", separator, makes_image() ? Type[r].name_eps : Type[r].name_short);
         separator = ", ";
@@ -130,7 +125,7 @@ static void write_ylabel(int column_group) {
     std::fprintf(f, "\n");
 }
 
-void write_settings(int curve_group, int column_group, double xMin, double xMax) {
+void write_settings(plot_t plot, double xMin, double xMax) {
     std::fprintf(f, "set encoding iso_8859_1\n");
     if (UserTerminal)
         std::fprintf(f, "set terminal %s\n", UserTerminalName);
@@ -141,8 +136,8 @@ void write_settings(int curve_group, int column_group, double xMin, double xMax)
     if (PlotGrid)
         std::fprintf(f, "set grid\n");
     write_xrange(xMin, xMax);
-    write_yrange(curve_group, column_group);
+    write_yrange(plot);
     std::fprintf(f, "set style fill transparent solid %4.1f noborder\n", ErrFillAlpha);
     std::fprintf(f, "set bars 0.5\n");
-    write_ylabel(column_group);
+    write_ylabel(plot);
 }

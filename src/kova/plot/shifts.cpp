@@ -15,10 +15,11 @@
 // - The gap is a fixed part of the extent of the first curve of its class.
 // - The columns of one data set that belong together (intensities with their backgrounds;
 //   experimental with theoretical sM(s)) share the shift of the first of them.
-#include "input/input.h"
 #include "plot/plot.h"
 
 int AutoShiftsReady = 0;
+
+namespace {
 
 // A class of kinds that are placed in the same stage.
 struct shift_class_t {
@@ -28,6 +29,17 @@ struct shift_class_t {
     double (*gap)(double extent);
 };
 
+// What one class has fixed so far: its gap for the whole plot, its shift for the current curve.
+struct placement_t {
+    bool has_gap;
+    double gap;
+    int curve;
+    bool has_shift;
+    double shift;
+};
+
+}  // namespace
+
 static const shift_class_t Classes[] = {
     {P_GINT_BGL | P_GINT_RBGL | P_GINT_LBGL | P_GINT_RINT | P_GINT_INT | P_GINT_LINT | P_GINT_TINT,
      +1.0, true, [](double extent) { return 0.2 * extent; }},
@@ -36,67 +48,59 @@ static const shift_class_t Classes[] = {
     {P_GINT_DSMS, -1.0, false, [](double extent) { return -extent; }},
 };
 
-// What one class has fixed so far: its gap for the whole plot, its shift for the current curve.
-struct placement_t {
-    bool has_gap;
-    double gap;
-    bool has_shift;
-    double shift;
-};
-
-static double place(const shift_class_t& stage, placement_t* placed, int k, int l) {
-    if (placed->has_shift)
+static double place(const shift_class_t& stage, placement_t* placed, int c, int j) {
+    if (placed->has_shift && placed->curve == c)
         return placed->shift;
     double dmin, dmax;
     const double shift_temp =
-        buf_calc_shift(Npts[k], Curve[k][0], Curve[k][l], &dmin, &dmax, stage.direction);
+        buf_calc_shift(Npts[c], Curve[c][0], Curve[c][j], &dmin, &dmax, stage.direction);
     if (!placed->has_gap) {
         placed->gap = stage.gap(dmax - dmin);
         placed->has_gap = true;
     }
-    placed->shift = shift_temp + placed->gap;
+    placed->curve = c;
     placed->has_shift = stage.shared;
+    placed->shift = shift_temp + placed->gap;
     return placed->shift;
 }
 
-static void place_curve(const shift_class_t& stage, placement_t* placed, int i, int j, int k) {
-    placed->has_shift = false;
-    for (int l = 1; l < NcolsToPlot; l++) {
-        if (!column_is_in(l, j) || !is_in(PlotColType[l], static_cast<unsigned>(stage.kinds)) ||
-            column_points(k, l) == 0)
-            continue;
-        CurveShift[k][l] = place(stage, placed, k, l);
+static void place_class(const shift_class_t& stage, plot_t plot) {
+    placement_t placed = {};
+    for_each_column(plot, [&](int c, int j) {
+        if (!is_in(PlotColType[j], static_cast<unsigned>(stage.kinds)) || column_points(c, j) == 0)
+            return;
+        CurveShift[c][j] = place(stage, &placed, c, j);
         say("%s (%d-%d)> i=%d, j=%d, k=%d, l=%d (shift=%f)\n",
-            Type[d_idx(PlotColType[l])].name_short, CurveNd[k], CurveNc[k], i, j, k, l,
-            CurveShift[k][l]);
-        buf_add(Npts[k], Curve[k][0], Curve[k][l], CurveShift[k][l]);
-    }
+            Type[d_idx(PlotColType[j])].name_short, CurveNd[c], CurveNc[c], plot.g, plot.h, c, j,
+            CurveShift[c][j]);
+        buf_add(Npts[c], Curve[c][0], Curve[c][j], CurveShift[c][j]);
+    });
 }
 
-static void multiply_shifts(int i, int j) {
+// Deviations that are shown with their curves have no place of their own.
+static void reset_deviations(plot_t plot) {
+    for_each_column(plot, [](int c, int j) {
+        if (PlotColType[j] == P_GINT_SMSS && deviations_shown())
+            CurveShift[c][j] = 0.0;
+    });
+}
+
+static void multiply_shifts(plot_t plot) {
     const double shiftMult = ShiftMult != 0.0 ? ShiftMult : 1.0;
     say("shiftMult=%f\n", shiftMult);
-    for (int k = 0; k < Ncurves; k++) {
-        for (int l = 1; curve_is_in(k, i) && l < NcolsToPlot; l++) {
-            if (!column_is_in(l, j))
-                continue;
-            CurveShift[k][l] = CurveShift[k][l] * shiftMult;
-            say("%s (%d-%d) AutoShift=%f\n", Type[d_idx(PlotColType[l])].name_short, CurveNd[k],
-                CurveNc[k], CurveShift[k][l]);
-        }
-    }
+    for_each_column(plot, [shiftMult](int c, int j) {
+        CurveShift[c][j] = CurveShift[c][j] * shiftMult;
+        say("%s (%d-%d) AutoShift=%f\n", Type[d_idx(PlotColType[j])].name_short, CurveNd[c],
+            CurveNc[c], CurveShift[c][j]);
+    });
 }
 
-void calc_shifts(int curve_group, int column_group) {
+void calc_shifts(plot_t plot) {
     buf_initialize();
-    for (const shift_class_t& stage : Classes) {
-        placement_t placed = {};
-        for (int k = 0; k < Ncurves; k++) {
-            if (curve_is_in(k, curve_group))
-                place_curve(stage, &placed, curve_group, column_group, k);
-        }
-    }
-    multiply_shifts(curve_group, column_group);
+    for (const shift_class_t& stage : Classes)
+        place_class(stage, plot);
+    reset_deviations(plot);
+    multiply_shifts(plot);
     buf_initialize();
     AutoShiftsReady = 1;
 }

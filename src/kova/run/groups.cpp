@@ -9,6 +9,7 @@ int ColErrIdx[MAX_COLS] = {-1};  // column 0, the abscissa, is never asked for i
 int ColPlotGroup[MAX_COLS] = {};
 int ColGroupsToPlot = 0;
 int CurveGroupsToPlot = 0;
+int CurCurvesGroupToPlot = 0, CurDataGroupToPlot = 0;
 
 // The first plot column of the kind after the abscissa, 0 if there is none.
 static int plot_column(int kind) {
@@ -49,16 +50,16 @@ void group_columns() {
 void group_curves() {
     if (NparToCombine != 0)
         CurveGroupsToPlot = 1;
-    for (int i = 0; i < Ncurves; i++)
-        CurvePlotGroup[i] = NparToCombine != 0 ? 1 : ++CurveGroupsToPlot;
+    for (int c = 0; c < Ncurves; c++)
+        CurvePlotGroup[c] = NparToCombine != 0 ? 1 : ++CurveGroupsToPlot;
 }
 
 void refuse_empty_curves() {
     bool empty = false;
-    for (int i = 0; i < Ncurves; i++) {
-        if (Npts[i] != 0)
+    for (int c = 0; c < Ncurves; c++) {
+        if (Npts[c] != 0)
             continue;
-        say("No data found in data set # %d\n", i);
+        say("No data found in data set # %d\n", c);
         empty = true;
     }
     if (empty)

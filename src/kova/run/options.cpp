@@ -2,6 +2,7 @@
 #include <popt.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -49,6 +50,7 @@ static int style_sms, ptype_sms;
 static char *dread, *dcombine, *data, *cread, *ccombine, *curves;
 
 // What popt returns for an option that needs handling beyond storing its argument.
+namespace {
 enum option_code {
     OPT_VERSION = 118,
     OPT_PNG = 1001,
@@ -78,6 +80,7 @@ enum option_code {
     OPT_STYLE_SMS = 1027,
     OPT_PTYPE_SMS = 1028,
 };
+}  // namespace
 
 // clang-format off
 static const poptOption optionsTable[] = {
@@ -166,11 +169,13 @@ static const poptOption optionsTable[] = {
 // clang-format on
 
 // Options that set one variable to one value.
+namespace {
 struct switch_t {
     int code;
     int* variable;
     int value;
 };
+}  // namespace
 
 static const switch_t Switches[] = {
     {OPT_PNG, &MakeImage, IMG_PNG},      {OPT_EPS, &MakeImage, IMG_EPS},
@@ -203,17 +208,27 @@ static bool read_kinds_with_s(const char* option, const char* list, unsigned* ma
     return good;
 }
 
+static constexpr char NO_MEMORY[] = "Cannot allocate memory\n";
+
+// Sets the pair list to what the option says. False after a message if it is wrong.
 static bool read_pairs(const char* option, const char* list, int* Npar, int** Num1, int** Num2) {
+    errno = 0;
     if (parse_int_curve_number(list, Npar, Num1, Num2) == 0)
         return true;
+    if (errno == ENOMEM)
+        complain(NO_MEMORY);
     complain("%s: wrong data description: '%s'\n", option, list);
     return false;
 }
 
+// Null after a message if there is no memory.
 static int* copy_of(const int* numbers, int count) {
-    int* copy = resized<int>(nullptr, static_cast<std::size_t>(count));
-    for (int i = 0; i < count; i++)
-        copy[i] = numbers[i];
+    int* copy = static_cast<int*>(std::calloc(static_cast<std::size_t>(count), sizeof *numbers));
+    if (copy == nullptr) {
+        complain(NO_MEMORY);
+        return nullptr;
+    }
+    std::copy_n(numbers, count, copy);
     return copy;
 }
 
@@ -221,8 +236,8 @@ static bool read_curves() {
     const bool good = read_pairs("curves", curves, &NparToRead, &ParToReadNum1, &ParToReadNum2);
     NparToCombine = NparToRead;
     ParToCombineNum1 = copy_of(ParToReadNum1, NparToRead);
-    ParToCombineNum2 = copy_of(ParToReadNum2, NparToRead);
-    return good;
+    ParToCombineNum2 = ParToCombineNum1 == nullptr ? nullptr : copy_of(ParToReadNum2, NparToRead);
+    return good && ParToCombineNum2 != nullptr;
 }
 
 static bool read_data() {
@@ -274,39 +289,44 @@ static bool handle_option(int code) {
 
 // ---- popt --------------------------------------------------------------------------------------
 
+// popt may go on without the memory that it asked for: without an argument, or with a piece left
+// out of its texts. Only errno tells, so each of its calls stands between these two.
 static bool InPopt = false;
 
-// Lets popt work. It may go on without the memory that it asked for: without an argument, or with
-// a piece left out of its texts. Only errno tells.
-template <class work_t>
-static void in_popt(work_t work) {
+static void enter_popt() {
     InPopt = true;
-    work();
+    errno = 0;
+}
+
+static void leave_popt() {
     InPopt = false;
     if (errno == ENOMEM)
-        fail(stderr, "Cannot allocate memory\n");
+        fail(stderr, NO_MEMORY);
 }
 
 // popt ends the run itself where it has printed the help, and where it does see a lack of memory.
 static void end_in_popt() {
     if (!InPopt || errno != ENOMEM)
         return;
-    complain("Cannot allocate memory\n");
+    complain(NO_MEMORY);
     _exit(EXIT_FAILURE);
 }
 
 static poptContext new_context(int argc, char** argv) {
-    poptContext context = nullptr;
-    in_popt([&] {
-        context = poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
-    });
-    in_popt([&] { poptSetOtherOptionHelp(context, "[options...] inputfile"); });
+    enter_popt();
+    poptContext context =
+        poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
+    leave_popt();
+    enter_popt();
+    poptSetOtherOptionHelp(context, "[options...] inputfile");
+    leave_popt();
     return context;
 }
 
 static int next_option(poptContext context) {
-    int code = 0;
-    in_popt([&] { code = poptGetNextOpt(context); });
+    enter_popt();
+    const int code = poptGetNextOpt(context);
+    leave_popt();
     return code;
 }
 
@@ -338,7 +358,9 @@ const char* parse_command_line(int argc, char** argv) {
     std::atexit(end_in_popt);
     poptContext context = new_context(argc, argv);
     if (argc < 2) {
-        in_popt([&] { poptPrintUsage(context, stdout, 0); });
+        enter_popt();
+        poptPrintUsage(context, stdout, 0);
+        leave_popt();
         poptFreeContext(context);
         std::exit(EXIT_SUCCESS);
     }

@@ -28,13 +28,13 @@ constexpr int P_GINT_LBGL = 0x00004000;  // levelled background
 constexpr int P_GINT_TINT = 0x00008000;  // theoretical intensity
 constexpr int P_GINT_DINT = 0x00010000;  // delta intensity
 
-constexpr unsigned P_GINT_EVERY = 0x1ffff;  // all seventeen
 // What the list word "all" stands for: not s, which is always read, and not the levelled kinds,
 // which repeat the reduced ones and would crowd them out of the picture.
 constexpr unsigned P_GINT_WORD_ALL = 0x19eff;
 
 // The number of kinds, and so the most columns that a table can have.
 constexpr int MAX_COLS = 17;
+constexpr unsigned P_GINT_EVERY = (1U << MAX_COLS) - 1;
 
 // How a kind is drawn. 0 marks the abscissa kinds, which are never drawn as a series.
 constexpr int ST_LINES = 1;
@@ -102,7 +102,7 @@ extern unsigned DataToCombine;  // mask of the kinds drawn in one plot, 0 for no
 
 constexpr double GX_NOT_GIVEN = -1e100;
 
-// Pair lists: set numbers and curve numbers at equal indices; null with a count of 0.
+// Pair lists: set numbers and curve numbers at equal indices. A count of 0 is no list.
 extern int NparToRead, *ParToReadNum1, *ParToReadNum2;
 extern int NparToCombine, *ParToCombineNum1, *ParToCombineNum2;
 
@@ -131,7 +131,8 @@ void echo_settings();
 int parse_data_string(const char* str, unsigned int* Data);
 
 // Parses a comma-separated list of N-M items into a count and two new arrays, the caller's.
-// 0; 1 for an empty string, which touches nothing; 2 for a bad item, with those before it kept.
+// 0; 1 for an empty string, which touches nothing; 2 for a bad item, or with errno ENOMEM without
+// memory, with the items before it kept.
 // Arrays that the outputs pointed to before are not released.
 int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** ParNum2);
 
@@ -156,6 +157,9 @@ extern int ColErrIdx[MAX_COLS];     // plot column of the deviations of an sM(s)
 extern int ColPlotGroup[MAX_COLS];  // column group of plot columns 1 .. NcolsToPlot-1
 extern int ColGroupsToPlot;
 extern int CurveGroupsToPlot;
+
+// The single plot that is drawn next when MultiPlot is 0; set before each.
+extern int CurCurvesGroupToPlot, CurDataGroupToPlot;
 
 void link_deviations();
 void group_columns();

@@ -13,10 +13,12 @@ static constexpr std::size_t WORD_SIZE = 100;
 
 static constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
 
+namespace {
 struct kind_word_t {
     const char* word;
     int kind;
 };
+}  // namespace
 
 // s and the R-values have no word: s is always read, R is never asked for.
 static const kind_word_t KindWords[] = {
@@ -33,8 +35,9 @@ static bool apply_word(const char* word, unsigned* Data) {
         return true;
     }
     const bool removes = word[0] == '!';
+    const char* name = removes ? word + 1 : word;
     for (const kind_word_t& known : KindWords) {
-        if (std::strcmp(word + removes, known.word) != 0)
+        if (std::strcmp(name, known.word) != 0)
             continue;
         const unsigned flag = static_cast<unsigned>(known.kind);
         *Data = removes ? *Data & ~flag : *Data | flag;
@@ -122,7 +125,18 @@ int parse_int_curve(const char* str, int* ParNum1, int* ParNum2) {
     return 0;
 }
 
-// Parses the items of the list, which is cut into pieces on the way. 0, or 2 at a bad item.
+// Appends one number to the array. False if there is no memory, with the array as it was.
+static bool append(int** numbers, int count, int number) {
+    void* grown = reallocarray(*numbers, static_cast<std::size_t>(count) + 1, sizeof number);
+    if (grown == nullptr)
+        return false;
+    *numbers = static_cast<int*>(grown);
+    (*numbers)[count] = number;
+    return true;
+}
+
+// Parses the items of the list, which is cut into pieces on the way. 0, or 2 at a bad item or
+// without memory.
 static int parse_items(char* list, int* Npar, int** ParNum1, int** ParNum2) {
     for (char* item = std::strtok(list, ","); item != nullptr; item = std::strtok(nullptr, ",")) {
         int Num1, Num2;
@@ -132,11 +146,9 @@ static int parse_items(char* list, int* Npar, int** ParNum1, int** ParNum2) {
         }
         if (parse_int_curve(item, &Num1, &Num2) != 0)
             return 2;
-        const std::size_t last = static_cast<std::size_t>((*Npar)++);
-        *ParNum1 = resized(*ParNum1, last + 1);
-        *ParNum2 = resized(*ParNum2, last + 1);
-        (*ParNum1)[last] = Num1;
-        (*ParNum2)[last] = Num2;
+        if (!append(ParNum1, *Npar, Num1) || !append(ParNum2, *Npar, Num2))
+            return 2;
+        ++*Npar;
     }
     return 0;
 }
@@ -147,9 +159,9 @@ int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** P
     *Npar = 0;
     *ParNum1 = nullptr;
     *ParNum2 = nullptr;
-    const std::size_t size = std::strlen(inpstr) + 1;
-    char* list = resized<char>(nullptr, size);
-    std::memcpy(list, inpstr, size);
+    char* list = strdup(inpstr);
+    if (list == nullptr)
+        return 2;
     const int result = parse_items(list, Npar, ParNum1, ParNum2);
     std::free(list);
     return result;
