@@ -23,7 +23,7 @@ PIPE_LINE = "Unable to close GnuPlot pipe.\n"
 ONE_PLOT = ("--data", "sms,tsms", "--curves", "1-1,2-1")
 # What gnuplot makes of a row that it takes for a command, or of the end of a block of them.
 COMPLAINT = re.compile(r"\ngnuplot> (?:e|(?:\S+ ){1,2}\S+)\n +\^\n +line \d+: invalid command\n\n")
-WARNINGS = re.compile(r"(?m)^WARNING: Plotting with an 'unknown' terminal\.\n"
+WARNINGS = re.compile(r"(?m)^WARNING: Plotting with (?:an )?'unknown' terminal\.\n"
                       r"No output will be generated\. Please select a terminal with .*\n")
 
 

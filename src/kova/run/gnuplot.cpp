@@ -208,6 +208,7 @@ static bool fits_block(int rank, const char* text) {
 static bool is_warning(const char* text) {
     if (WithoutDisplay &&
         (says(text, "WARNING: Plotting with an 'unknown' terminal.") ||
+         says(text, "WARNING: Plotting with 'unknown' terminal.") ||
          says(text, "No output will be generated. Please select a terminal with 'set terminal'.")))
         return true;
     const char* message = after_place(text);
