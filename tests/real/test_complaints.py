@@ -21,10 +21,19 @@ KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PRO
 
 PIPE_LINE = "Unable to close GnuPlot pipe.\n"
 ONE_PLOT = ("--data", "sms,tsms", "--curves", "1-1,2-1")
+PAGE = ("--dread", "sms,tsms")
+PANELS = 6  # on that page: two kinds of three sets
 # What gnuplot makes of a row that it takes for a command, or of the end of a block of them.
 COMPLAINT = re.compile(r"\ngnuplot> (?:e|(?:\S+ ){1,2}\S+)\n +\^\n +line \d+: invalid command\n\n")
 WARNINGS = re.compile(r"(?m)^WARNING: Plotting with (?:an )?'unknown' terminal\.\n"
                       r"No output will be generated\. Please select a terminal with .*\n")
+
+
+def text_picture(printed):
+    """Width, height and number of frames of the picture that is drawn with letters."""
+    lines = printed.rpartition("\f")[2].splitlines()
+    frames = sum(len(re.findall(r"\+-+\+", line)) for line in lines) // 2
+    return max(map(len, lines)), len(lines), frames
 
 
 class Complaints(unittest.TestCase):
@@ -49,14 +58,14 @@ class Complaints(unittest.TestCase):
         self.assertEqual(done.returncode, 0, done.stderr)
         return done
 
-    def gnuplot_alone(self, *arguments):
+    def gnuplot_alone(self, *arguments, terminal="unknown"):
         """What gnuplot says about the same commands when nobody stands between."""
         tools = self.folder / "tools"
         tools.mkdir()
         (tools / "gnuplot").symlink_to(ROOT / "tests" / "standin" / "gnuplot")
         self.gravlex(*arguments, RECORD=str(tools), PATH=f"{tools}:{self.env['PATH']}")
         with open(tools / "gnuplot-1.in", "rb") as commands:
-            done = self.start(["gnuplot"], env={**self.env, "GNUTERM": "unknown"}, stdin=commands)
+            done = self.start(["gnuplot"], env={**self.env, "GNUTERM": terminal}, stdin=commands)
         return done.stderr
 
     def image(self, name):
@@ -96,9 +105,36 @@ class Complaints(unittest.TestCase):
             self.image(f"{n}_a.png")
 
     def test_page_prints_no_complaint(self):
-        done = self.gravlex("--dread", "sms,tsms", CCL4, GNUTERM="dumb")
+        done = self.gravlex(*PAGE, CCL4, GNUTERM="dumb")
         self.assertEqual(done.stderr, "")
         self.assertIn("KOVA GED curves", done.stdout)
+
+    def test_page_is_drawn_with_the_terminal_asked_for(self):
+        for locale in "C.UTF-8", "C":
+            for size in ((79, 24), (120, 40)):
+                with self.subTest(locale=locale, size=size):
+                    term = "dumb size {},{}".format(*size)
+                    done = self.gravlex("--term", term, *PAGE, CCL4, GNUTERM="", LC_ALL=locale)
+                    self.assertIn(done.stderr, ("", PIPE_LINE))
+                    self.assertEqual(text_picture(done.stdout), (*size, PANELS))
+
+    def test_gnuplot_alone_complains_of_the_terminal(self):
+        said = self.gnuplot_alone("--term", "dumb", *PAGE, CCL4, terminal="dumb")
+        self.assertEqual(said.count("You can't change the terminal in multiplot mode"), PANELS)
+
+    def test_one_plot_is_drawn_with_the_terminal_asked_for(self):
+        done = self.gravlex("--term", "dumb", *ONE_PLOT, CCL4)
+        self.assertEqual(done.stderr, "")
+        self.assertEqual(text_picture(done.stdout), (79, 24, 1))
+        done = self.gravlex("--term", "dumb", *ONE_PLOT, "--png", "a.png", CCL4)
+        self.assertIn(done.stderr, ("", PIPE_LINE))
+        self.assertEqual(text_picture(done.stdout), (79, 24, 1))
+        self.image("a.png")
+
+    def test_wrong_terminal_of_a_page_is_shown(self):
+        done = self.gravlex("--term", "wrong", *PAGE, CCL4)
+        self.assertIn("\nset term wrong\n", done.stderr)
+        self.assertIn("unknown or ambiguous terminal type", done.stderr)
 
     def test_wrong_terminal_is_shown(self):
         done = self.gravlex("--term", "wrong", *ONE_PLOT, "--png", "a.png", CCL4)

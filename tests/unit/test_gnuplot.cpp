@@ -105,6 +105,30 @@ TEST_F(Gnuplot, that_leaves_at_once_does_not_kill_the_run) {
     EXPECT_TRUE(ended_with(ended, 0, "goes on\n", "Unable to close GnuPlot pipe.\n"));
 }
 
+// What a gnuplot is started with without a display, and what its variable is for us afterwards.
+static ended_t with_terminal(char* name, const char* before) {
+    return with_gnuplot("cat\nprintenv GNUTERM || echo none\n", [=] {
+        for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "GNUTERM"})
+            unsetenv(variable);
+        if (before != nullptr)
+            setenv("GNUTERM", before, 1);
+        UserTerminal = 1;
+        UserTerminalName = name;
+        gnuplot_start();
+        const char* after = std::getenv("GNUTERM");
+        say("'%s' for us\n", after != nullptr ? after : "none");
+        gnuplot_close();
+    });
+}
+
+TEST_F(Gnuplot, has_the_terminal_to_itself) {
+    char name[] = "dumb size 120,40";
+    EXPECT_TRUE(
+        ended_with(with_terminal(name, nullptr), 0, "'none' for us\ndumb size 120,40\n", ""));
+    EXPECT_TRUE(ended_with(with_terminal(name, ""), 0, "'' for us\ndumb size 120,40\n", ""));
+    EXPECT_TRUE(ended_with(with_terminal(name, "x11"), 0, "'x11' for us\nx11\n", ""));
+}
+
 // A sanitizer needs descriptors of its own when the process ends.
 static void allow_descriptors() {
     rlimit limit;

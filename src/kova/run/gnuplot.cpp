@@ -11,11 +11,12 @@
 //              line 8: invalid command
 //     (empty line)
 //
-// On a page of several panels gnuplot 6 warns about every row that it reads, and draws it. In the
-// C locale, as in a container, gnuplot 5.4 warns about the encoding that the Angstrom sign needs.
-// Nobody wants to see these, but everybody wants to see what else gnuplot has to say. So where
-// complaints about data are to be expected, its standard error is collected while it runs and
-// passed on without them once it has ended.
+// On a page of several panels gnuplot 6 warns about every row that it reads, and draws it; and no
+// version changes its terminal there, which each panel asks for, whether or not it is the one that
+// draws already. In the C locale, as in a container, gnuplot warns about the encoding that the
+// Angstrom sign needs. Nobody wants to see these, but everybody wants to see what else gnuplot has
+// to say. So where such complaints are to be expected, its standard error is collected while it
+// runs and passed on without them once it has ended.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -31,8 +32,8 @@ FILE* f = nullptr;
 // The collected standard error of the running gnuplot; null when it has ours.
 static FILE* Complaints = nullptr;
 
-// True if the running gnuplot was kept from opening a window.
-static bool WithoutDisplay = false;
+// The terminal that the running gnuplot was started with; null when it had the choice.
+static const char* StartTerminal = nullptr;
 
 // ---- Start -------------------------------------------------------------------------------------
 
@@ -42,20 +43,24 @@ static bool is_set(const char* variable) {
 }
 
 // gnuplot with a terminal for windows gives up at once where there is no display. It need not open
-// one on the way to an image.
-static bool needs_no_display() {
-    return image_is_written() && !UserTerminal && !is_set("DISPLAY") &&
-           !is_set("WAYLAND_DISPLAY") && !is_set("GNUTERM");
+// one on the way to an image, nor where the user has named a terminal: a page of panels begins
+// before the command that sets it. Null if gnuplot is to choose.
+static const char* start_terminal() {
+    if (is_set("DISPLAY") || is_set("WAYLAND_DISPLAY") || is_set("GNUTERM"))
+        return nullptr;
+    if (UserTerminal)
+        return *UserTerminalName != '\0' ? UserTerminalName : nullptr;
+    return image_is_written() ? "unknown" : nullptr;
 }
 
 static FILE* start_process() {
     return popen("gnuplot -persist", "w");
 }
 
-// Starts the process with GNUTERM=unknown in its environment; ours is as before afterwards.
-static FILE* start_without_display(FILE* (*start)()) {
+// Starts the process with that terminal in its environment; ours is as before afterwards.
+static FILE* start_with_terminal(FILE* (*start)()) {
     const bool was_empty = std::getenv("GNUTERM") != nullptr;
-    if (setenv("GNUTERM", "unknown", 1) != 0)
+    if (setenv("GNUTERM", StartTerminal, 1) != 0)
         fail(stderr, "Cannot allocate memory\n");
     FILE* pipe = start();
     if (was_empty)
@@ -106,8 +111,8 @@ void gnuplot_start() {
     flush_output();  // gnuplot may write to the same standard output
     const bool collected = (image_is_written() || page_has_panels()) && !files_are_limited();
     FILE* (*start)() = collected ? start_collected : start_process;
-    WithoutDisplay = needs_no_display();
-    f = WithoutDisplay ? start_without_display(start) : start();
+    StartTerminal = start_terminal();
+    f = StartTerminal != nullptr ? start_with_terminal(start) : start();
     if (f == nullptr)
         fail(stdout, "Cannot connect to gnuplot pipe: %s\n", std::strerror(errno));
 }
@@ -189,24 +194,46 @@ static bool says(const char* text, const char* message) {
     return text != nullptr && std::strcmp(text, message) == 0;
 }
 
-// True if the text can stand as that line, from 0, of the block of a complaint about our data.
-static bool fits_block(int rank, const char* text) {
-    static constexpr char PROMPT[] = "gnuplot> ";
+// Steps over the beginning of a text. Null if it begins otherwise.
+static const char* after(const char* beginning, const char* text) {
+    const std::size_t length = std::strlen(beginning);
+    return std::strncmp(text, beginning, length) == 0 ? text + length : nullptr;
+}
+
+// True if the line asks for the terminal of the user's that gnuplot was started with.
+static bool asks_for_start_terminal(const char* line) {
+    return UserTerminal && StartTerminal != nullptr &&
+           says(after("multiplot> set terminal ", line), StartTerminal);
+}
+
+// What gnuplot says below a line of ours that it shows behind its prompt; null for all but those
+// that it was expected to refuse.
+static const char* refusal(const char* line) {
+    const char* command = after("gnuplot> ", line);
+    if (command != nullptr && is_data_line(command))
+        return "invalid command";
+    if (asks_for_start_terminal(line))
+        return "You can't change the terminal in multiplot mode";
+    return nullptr;
+}
+
+// True if the last of the lines can stand in its place, from 0, in the block of a complaint.
+static bool fits_block(const text_line_t* block, int rank) {
+    const char* text = block[rank].text;
     switch (rank) {
         case 1:
-            return std::strncmp(text, PROMPT, sizeof PROMPT - 1) == 0 &&
-                   is_data_line(text + sizeof PROMPT - 1);
+            return refusal(text) != nullptr;
         case 2:
             return says(text + std::strspn(text, " "), "^");
         case 3:
-            return says(after_place(text), "invalid command");
+            return says(after_place(text), refusal(block[1].text));
         default:
             return *text == '\0';
     }
 }
 
 static bool is_warning(const char* text) {
-    if (WithoutDisplay &&
+    if (StartTerminal != nullptr && !UserTerminal &&
         (says(text, "WARNING: Plotting with an 'unknown' terminal.") ||
          says(text, "WARNING: Plotting with 'unknown' terminal.") ||
          says(text, "No output will be generated. Please select a terminal with 'set terminal'.")))
@@ -260,13 +287,13 @@ static void pass_on_collected() {
     while (next_line(&waiting[count], is_piece)) {
         const text_line_t& line = waiting[count];
         is_piece = !line.has_newline;
-        if (is_whole(line) && fits_block(count, line.text)) {
+        if (is_whole(line) && fits_block(waiting, count)) {
             count = (count + 1) % BLOCK_LINES;
             continue;
         }
         for (int i = 0; i < count; i++)
             pass_on(waiting[i]);
-        if (is_whole(line) && fits_block(0, line.text)) {
+        if (is_whole(line) && line.length == 0) {
             count = 1;  // waiting[0] is such an empty line already
         } else {
             if (!is_whole(line) || !is_warning(line.text))
