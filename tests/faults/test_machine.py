@@ -331,7 +331,7 @@ class Limits(Machine):
                         self.assertTrue(result.stdout.endswith(
                             b"Cannot connect to gnuplot pipe: Too many open files\n"))
             self.assertEqual(statuses, sorted(statuses, reverse=True))
-            self.assertEqual(statuses[-1], 0)
+            self.assertEqual(statuses[5:], [0] * len(statuses[5:]))
 
     def test_descriptors_are_given_back(self):
         limits = {}

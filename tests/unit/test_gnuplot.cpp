@@ -11,38 +11,6 @@
 
 using Gnuplot = Fresh;
 
-// ---- Image commands ----------------------------------------------------------------------------
-
-static std::string image_commands(int format, int number) {
-    MakeImage = format;
-    wx = 640;
-    wy = 480;
-    char name[] = "out file";
-    ImgFname = name;
-    return sent([number] { gnuplot_image_commands(number); });
-}
-
-TEST_F(Gnuplot, an_image_is_a_terminal_a_file_and_a_replot) {
-    const std::string rest = "set output \"out file\"\nreplot\n";
-    EXPECT_EQ(image_commands(IMG_PNG, 0), "set term pngcairo size 640,480\n" + rest);
-    EXPECT_EQ(image_commands(IMG_EPS, 0),
-              "set terminal postscript eps enhanced color solid clip\n" + rest);
-    EXPECT_EQ(image_commands(IMG_SVG, 0),
-              "set terminal svg size 640,480 dynamic enhanced\n" + rest);
-}
-
-TEST_F(Gnuplot, an_unknown_format_is_drawn_as_png) {
-    EXPECT_EQ(image_commands(4, 0),
-              "set term pngcairo size 640,480\nset output \"out file\"\nreplot\n");
-}
-
-TEST_F(Gnuplot, numbered_images_have_their_number_in_front) {
-    EXPECT_EQ(image_commands(IMG_PNG, 1),
-              "set term pngcairo size 640,480\nset output \"1_out file\"\nreplot\n");
-    EXPECT_EQ(image_commands(IMG_PNG, 12),
-              "set term pngcairo size 640,480\nset output \"12_out file\"\nreplot\n");
-}
-
 // ---- The process -------------------------------------------------------------------------------
 
 // Runs a call with a script as the only gnuplot on the path.
@@ -103,6 +71,21 @@ TEST_F(Gnuplot, that_leaves_at_once_does_not_kill_the_run) {
         say("goes on\n");
     });
     EXPECT_TRUE(ended_with(ended, 0, "goes on\n", "Unable to close GnuPlot pipe.\n"));
+}
+
+// Sends so much that gnuplot must have taken some of it, and ends.
+static void fail_after_much_data() {
+    gnuplot_start();
+    for (int i = 0; i < 30000; i++)
+        std::fprintf(f, "0123456789\n");
+    std::fflush(f);
+    fail(stderr, "ours\n");
+}
+
+TEST_F(Gnuplot, that_is_not_waited_for_has_its_say_all_the_same) {
+    MakeImage = IMG_PNG;
+    const char* script = "echo early >&2\ncat >/dev/null\nsleep 0.1\necho late >&2\n";
+    EXPECT_TRUE(ended_with(with_gnuplot(script, fail_after_much_data), 1, "", "ours\nearly\n"));
 }
 
 // What a gnuplot is started with without a display, and what its variable is for us afterwards.

@@ -186,23 +186,3 @@ TEST_F(Groups, curves_with_rows_or_none_at_all_pass) {
     add_set(1, 1, {{1.0}, {2.0}});
     EXPECT_TRUE(ended_with(in_child(refuse_empty_curves), 0, "", ""));
 }
-
-// ---- Pages -------------------------------------------------------------------------------------
-
-TEST_F(Groups, a_page_has_panels_if_it_shows_several_plots) {
-    const struct {
-        int page, curves, columns;
-        bool panels;
-    } cases[] = {{1, 1, 1, false}, {1, 2, 1, true},  {1, 1, 2, true}, {1, 3, 3, true},
-                 {0, 2, 2, false}, {1, 0, 0, false}, {1, 0, 2, true}};
-    for (const auto& c : cases) {
-        MultiPlot = c.page;
-        CurveGroupsToPlot = c.curves;
-        ColGroupsToPlot = c.columns;
-        EXPECT_EQ(page_has_panels(), c.panels);
-        MakeImage = 0;
-        EXPECT_FALSE(image_is_written());
-        MakeImage = IMG_EPS;
-        EXPECT_EQ(image_is_written(), !c.panels);
-    }
-}

@@ -105,13 +105,6 @@ TEST_F(PlotSettings, fonts_follow_the_width_of_the_image) {
     }
 }
 
-TEST_F(PlotSettings, an_image_is_one_of_three_formats) {
-    for (const int format : {-1, 0, 4})
-        EXPECT_FALSE((MakeImage = format, makes_image()));
-    for (const int format : {IMG_PNG, IMG_EPS, IMG_SVG})
-        EXPECT_TRUE((MakeImage = format, makes_image()));
-}
-
 // ---- Tics, ratio and grid ----------------------------------------------------------------------
 
 TEST_F(PlotSettings, each_kind_of_tics_has_its_line) {

@@ -97,9 +97,6 @@ void abscissa_extent(plot_t plot, double* xMin, double* xMax);
 // Prints the x range on standard output.
 void write_settings(plot_t plot, double xMin, double xMax);
 
-// True if the run makes an image, which has typeset labels and widths of its own.
-bool makes_image();
-
 // ---- Series (series.cpp) -----------------------------------------------------------------------
 
 // Sends the plot command. A kind with a drawing style that is none ends the run with status 1 and

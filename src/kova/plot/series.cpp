@@ -52,7 +52,7 @@ struct widths_t {
 
 static widths_t plot_widths() {
     widths_t widths = {1.0, 1.0, 0.7};
-    if (makes_image())
+    if (image_is_asked_for())
         widths = {1800.0 / wx, 2000.0 / wx, 1200.0 / wx};
     widths.ewf *= ErrLineWidthFactor;
     widths.wf *= LineWidthFactor;

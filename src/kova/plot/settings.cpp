@@ -8,10 +8,6 @@ double YrangeMin = 0.0, YrangeMax = 0.0;
 // Each range leaves this part of the data's extent free at both ends.
 static constexpr double MARGIN = 0.05;
 
-bool makes_image() {
-    return MakeImage == IMG_PNG || MakeImage == IMG_EPS || MakeImage == IMG_SVG;
-}
-
 void abscissa_extent(plot_t plot, double* xMin, double* xMax) {
     *xMin = 1e99;
     *xMax = -1e99;
@@ -47,7 +43,7 @@ static int font_size() {
 }
 
 static void write_fonts_and_xlabel() {
-    if (!makes_image()) {
+    if (!image_is_asked_for()) {
         std::fprintf(f, "set xlabel \"s, A^{-1}\"\n");
         return;
     }
@@ -103,7 +99,7 @@ static bool needs_label(int j, int r, plot_t plot) {
         return false;  // shown as part of the sM(s) series
     if (!column_is_in(j, plot) || Type[r].user)
         return false;
-    return !makes_image() || !label_is_used(r);
+    return !image_is_asked_for() || !label_is_used(r);
 }
 
 static void write_ylabel(plot_t plot) {
@@ -115,12 +111,13 @@ static void write_ylabel(plot_t plot) {
         const int r = d_idx(PlotColType[j]);
         if (!needs_label(j, r, plot))
             continue;
-        std::fprintf(f, "%s%s", separator, makes_image() ? Type[r].name_eps : Type[r].name_short);
+        std::fprintf(f, "%s%s", separator,
+                     image_is_asked_for() ? Type[r].name_eps : Type[r].name_short);
         separator = ", ";
         Type[r].user = 1;
     }
     std::fprintf(f, "\" ");
-    if (makes_image())
+    if (image_is_asked_for())
         std::fprintf(f, "font \"Arial, %d\"", font_size());
     std::fprintf(f, "\n");
 }

@@ -65,11 +65,3 @@ void refuse_empty_curves() {
     if (empty)
         std::exit(EXIT_FAILURE);
 }
-
-bool page_has_panels() {
-    return MultiPlot && (CurveGroupsToPlot > 1 || ColGroupsToPlot > 1);
-}
-
-bool image_is_written() {
-    return MakeImage && !page_has_panels();
-}

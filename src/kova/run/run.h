@@ -169,30 +169,41 @@ void group_curves();
 // output.
 void refuse_empty_curves();
 
+// ---- Pages and images (pages.cpp) --------------------------------------------------------------
+
 // True if several plots share one page.
 bool page_has_panels();
 
-// True if the run writes an image: it is asked for, and a page with panels gets none, because
-// gnuplot cannot replot it.
-bool image_is_written();
+// True if the command line names an image: labels and widths are those of images then, on screen
+// too. It need not be drawn: a page with panels cannot, because gnuplot cannot replot it.
+bool image_is_asked_for();
+bool image_is_drawn();
 
-// ---- The gnuplot process (gnuplot.cpp) ---------------------------------------------------------
-// In this order: start, then whatever is written to f, image_commands if one is wanted, close.
+// Sends the commands that repeat the plot into the image file; number is put in front of the
+// file's name ("1_") unless it is 0. The inline data must follow.
+void write_image_commands(int number);
+
+// Runs gnuplot for the page, or for each plot, one after the other.
+void plot_all();
+
+// ---- The gnuplot process (gnuplot.cpp, complaints.cpp) -----------------------------------------
+// In this order: start, then whatever is written to f, close.
 
 extern FILE* f;  // the pipe to gnuplot; null when none is running
+
+// The terminal that gnuplot was started with: --term or "unknown"; null when it had the choice.
+extern const char* StartTerminal;
 
 // Starts "gnuplot -persist". If that fails the run ends with status 1 and
 // "Cannot connect to gnuplot pipe: %s\n" on standard output.
 void gnuplot_start();
 
-// Sends the commands that repeat the plot into the image file; number is put in front of the
-// file's name ("1_") unless it is 0. The inline data must follow.
-void gnuplot_image_commands(int number);
-
-// Waits for gnuplot to end and passes on what it had to say, but for its complaints about inline
-// data that it is sent twice or on a page with panels. A status other than 0 is reported on
-// standard error, no more.
+// Waits for gnuplot to end and passes on what it had to say, but for complaints that were to be
+// expected. A status other than 0 is reported on standard error, no more.
 void gnuplot_close();
+
+// Copies gnuplot's messages without those complaints. False if they could not be read.
+bool pass_on_complaints(FILE* from, FILE* to);
 
 // ---- What a run says and how it ends (console.cpp) ---------------------------------------------
 
@@ -203,14 +214,15 @@ void prepare_process();
 // Standard output, formatted. A write that fails is reported when the run ends.
 void say(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-// Puts all that was said so far where the next writer's text comes after it.
+// Flushes standard output.
 void flush_output();
 
 // Standard error, formatted, after all that was said before.
 void complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 // One message on standard output or standard error, then the end of the run with status 1. What
-// was written to gnuplot so far is sent, and gnuplot is not waited for.
+// was written to gnuplot so far is sent, and what it has said by then is passed on; it is not
+// waited for.
 [[noreturn]] void fail(FILE* stream, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 
