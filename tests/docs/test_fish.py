@@ -16,8 +16,12 @@ class Fish(expected.Completion):
             ["fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", FILE, line],
             cwd=self.folder.name, capture_output=True, text=True, check=True)
         self.assertEqual(run.stderr, "")
-        answers = (answer.partition("\t") for answer in run.stdout.splitlines())
-        return {word: text for word, _, text in answers}
+        answers = [answer.partition("\t") for answer in run.stdout.splitlines()]
+        # Since version 4 fish names the words that only contain what was typed as well, but does
+        # not offer them as long as others begin with it.
+        typed = line.rpartition(" ")[2]
+        best = [answer for answer in answers if answer[0].startswith(typed)]
+        return {word: text for word, _, text in best or answers}
 
     def offers(self, line):
         """The same without what stands before the part of the word that is being typed."""

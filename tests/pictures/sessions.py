@@ -79,8 +79,12 @@ def run(program, command, folder, display=None):
 
 
 def is_quiet(stderr):
-    """Whether nothing was said but the line that comes with every image."""
-    return set(stderr.splitlines()) <= {"Unable to close GnuPlot pipe."}
+    """Whether nothing was said but the line that comes with every image, and what the window's
+    toolkit says of a container."""
+    return set(stderr.splitlines()) <= {
+        "Unable to close GnuPlot pipe.",
+        "WARNING: Glycin running without sandbox. "
+        "Bubblewrap (bwrap) doesn't work in the environment."}
 
 
 def draw(program, arguments, folder, display=None):
