@@ -141,6 +141,7 @@ class Complaints(unittest.TestCase):
         self.assertIn("\ngnuplot> set terminal wrong\n", done.stderr)
         self.assertIn("unknown or ambiguous terminal type", done.stderr)
         self.assertNotIn("invalid command", done.stderr)
+        self.image("a.png")
 
     def test_wrong_terminal_is_shown_without_image(self):
         done = self.gravlex("--term", "wrong", *ONE_PLOT, CCL4)

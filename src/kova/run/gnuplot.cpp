@@ -105,13 +105,16 @@ static bool is_set(const char* variable) {
 
 // gnuplot with a terminal for windows gives up at once where there is no display. It need not open
 // one on the way to an image, nor where the user has named a terminal: a page of panels begins
-// before the command that sets it. Null if gnuplot is to choose.
+// before the command that sets it. Null if gnuplot is to choose, as where more commands follow the
+// name on lines of their own. On the way to an image it hears of the user's terminal in time; 5.4
+// ends where it is started with one that it does not have, and the image would be lost.
 static const char* start_terminal() {
     if (is_set("DISPLAY") || is_set("WAYLAND_DISPLAY") || is_set("GNUTERM"))
         return nullptr;
-    if (UserTerminal)
-        return *UserTerminalName != '\0' ? UserTerminalName : nullptr;
-    return image_is_drawn() ? "unknown" : nullptr;
+    if (image_is_drawn())
+        return UserTerminal ? nullptr : "unknown";
+    const bool is_named = UserTerminal && *UserTerminalName != '\0';
+    return is_named && std::strchr(UserTerminalName, '\n') == nullptr ? UserTerminalName : nullptr;
 }
 
 // Starts the process with StartTerminal in its environment; ours is as before afterwards.
