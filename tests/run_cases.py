@@ -16,78 +16,37 @@ Other files are input. A case runs in a copy of its folder, beside a link to the
 """
 
 import argparse
-import concurrent.futures
 import difflib
-import os
 import pathlib
 import re
 import shlex
 import shutil
-import signal
-import subprocess
 import sys
-import tempfile
+
+import running
 
 TESTS = pathlib.Path(__file__).resolve().parent
 CASES = TESTS / "cases"
-STANDIN = TESTS / "standin" / "gnuplot"
-TIME_LIMIT = 120  # seconds; a case takes milliseconds, but not under a checker on a busy machine
-# Settings of the tools that watch the program; nothing else comes in from outside.
-KEPT = re.compile(r"(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
 # The words for a missing program differ from shell to shell.
 NOT_FOUND = re.compile(rb"(?m)^(/bin/)?sh: .*gnuplot.*not found$")
 EXPECTED = re.compile(r"stdout|stderr|status|gnuplot-[0-9]+\.(args|in)")
 
 
-def environment(case, folder):
-    """Path with the case's gnuplot first, and nothing of the user's own settings."""
-    # A list that a later one replaces is dropped, not freed: a short run needs no better.
-    env = {"ASAN_OPTIONS": "detect_leaks=0"}
-    env.update((name, value) for name, value in os.environ.items() if KEPT.fullmatch(name))
-    bin_folder = folder / "bin"
-    bin_folder.mkdir()
-    script = case / "gnuplot"
-    missing = script.exists() and script.read_text().strip() == "missing"
-    if script.exists() and not missing:
-        shutil.copy(script, bin_folder / "gnuplot")
-        (bin_folder / "gnuplot").chmod(0o755)
-    elif missing:
-        (bin_folder / "sh").symlink_to("/bin/sh")
-    else:
-        (bin_folder / "gnuplot").symlink_to(STANDIN)
-    env["PATH"] = str(bin_folder) + ("" if missing else ":/usr/bin:/bin")
-    env.update(LC_ALL="C", HOME=str(folder), RECORDER=str(STANDIN), RECORD=str(folder / "record"))
-    if (case / "env").exists():
-        env.update(line.split("=", 1) for line in (case / "env").read_text().splitlines())
-    return env
-
-
 def run(case, options):
     """Runs one case; returns what it showed, as the files that would expect it."""
-    with tempfile.TemporaryDirectory(prefix="gravlex-case-") as name:
-        folder = pathlib.Path(name)
-        (folder / "record").mkdir()
-        shutil.copytree(case, folder / "work")
-        (folder / "work" / "examples").symlink_to(TESTS.parent / "examples")
-        command = options.wrapper + [options.program]
-        command += shlex.split((case / "cmd").read_text())
-        if (case / "run").exists():
-            command = ["/bin/sh", "run"] + command
-        process = subprocess.Popen(command, cwd=folder / "work", env=environment(case, folder),
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE, start_new_session=True)
-        # A gnuplot that the program did not wait for still holds these pipes, so that their end
-        # is also the end of the last recording.
-        try:
-            stdout, stderr = process.communicate(timeout=TIME_LIMIT)
-        except subprocess.TimeoutExpired:
-            os.killpg(process.pid, signal.SIGKILL)
-            process.wait()
-            stdout, stderr = b"", b"did not end in time\n"
-        stderr = NOT_FOUND.sub(b"sh: gnuplot: not found", stderr)
-        found = {"stdout": stdout, "stderr": stderr, "status": b"%d\n" % process.returncode}
-        found.update((path.name, path.read_bytes()) for path in (folder / "record").iterdir())
-        return without_defaults(found)
+    files = {path.name: path.read_bytes() for path in case.iterdir()}
+    gnuplot = files.get("gnuplot", options.standin)
+    if gnuplot == b"missing\n":
+        gnuplot = None
+    command = [*options.wrapper, options.program, *shlex.split(files["cmd"].decode())]
+    if "run" in files:
+        command = ["/bin/sh", "run", *command]
+    env = dict(line.split("=", 1) for line in files.get("env", b"").decode().splitlines())
+    result = running.run(command, files, gnuplot, {"RECORDER": options.standin, **env})
+    stderr = b"did not end in time\n" if result.left else NOT_FOUND.sub(
+        b"sh: gnuplot: not found", result.stderr)
+    return without_defaults({"stdout": result.stdout, "stderr": stderr,
+                             "status": b"%d\n" % result.status, **result.recorded})
 
 
 def without_defaults(files):
@@ -145,7 +104,9 @@ def chosen(names):
 
 def main():
     parser = argparse.ArgumentParser(description="Run the whole-program cases.")
-    parser.add_argument("--program", required=True, type=os.path.abspath)
+    parser.add_argument("--program", default=running.PROGRAM, type=pathlib.Path)
+    parser.add_argument("--standin", type=pathlib.Path,
+                        help="the stand-in for gnuplot, if it is not where it was built")
     parser.add_argument("--accept", action="store_true", help="rewrite the expectations")
     parser.add_argument("--wrapper", default="", help="command that starts the program")
     parser.add_argument("--first-failure", action="store_true", help="stop there")
@@ -154,20 +115,20 @@ def main():
     options = parser.parse_args()
 
     cases = chosen(options.case)
+    options.program = options.program.absolute()
+    options.standin = (options.standin or running.standin_of(options.program)).absolute()
     options.wrapper = shlex.split(options.wrapper)
     if options.wrapper:
         options.wrapper[0] = shutil.which(options.wrapper[0]) or options.wrapper[0]
         # Closed streams and tight limits would hit the wrapper, too.
         cases = [case for case in cases if not (case / "run").exists()]
     failed = 0
-    with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
-        for case, lines in zip(cases, pool.map(lambda case: check(case, options), cases)):
-            failed += bool(lines)
-            if lines or options.verbose:
-                print(f"{'FAIL' if lines else 'ok  '} {case.relative_to(CASES)}", *lines, sep="\n")
-            if lines and options.first_failure:
-                pool.shutdown(cancel_futures=True)
-                sys.exit(1)
+    for case, lines in zip(cases, running.side_by_side(lambda case: check(case, options), cases)):
+        failed += bool(lines)
+        if lines or options.verbose:
+            print(f"{'FAIL' if lines else 'ok  '} {case.relative_to(CASES)}", *lines, sep="\n")
+        if lines and options.first_failure:
+            sys.exit(1)
     print(f"{len(cases) - failed} passed, {failed} failed")
     sys.exit(failed > 0)
 

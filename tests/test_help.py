@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Help and usage: the option library words them, so only what is ours in them is looked for.
-
-    test_help.py PROGRAM
-"""
+"""Help and usage: the option library words them, so only what is ours in them is looked for."""
 
 import re
 import subprocess
 import sys
+
+import running
 
 # Long name, short name, argument label, help text; in the order of the help.
 OPTIONS = """
@@ -65,7 +64,7 @@ def check(truth, what):
 
 def words(*arguments):
     """What a run prints, line breaks and blanks made one: the library breaks lines as it likes."""
-    run = subprocess.run([sys.argv[1], *arguments], capture_output=True, text=True,
+    run = subprocess.run([running.PROGRAM, *arguments], capture_output=True, text=True,
                          env={"LC_ALL": "C", "PATH": "/nonexistent"}, check=False)
     check(run.returncode == 0, f"{arguments} ends with status {run.returncode}")
     check(run.stderr == "", f"{arguments} prints on standard error: {run.stderr}")

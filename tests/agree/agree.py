@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs two programs on the same random inputs; they must agree in every byte.
+"""Runs the program and a plain one on the same random inputs; they must agree in every byte.
 
-    agree.py --program BUILD/gravlex --plain BUILD/plain [--runs N] [--seed S] [--keep DIR]
+    agree.py --plain BUILD/bench/plain [--runs N] [--seed S] [--keep DIR]
 
 Compared are standard output, standard error, the exit status, the number of gnuplot sessions, and
 the arguments and standard input of each. What differs is made smaller and left in a folder of the
@@ -11,23 +11,21 @@ one run. The last line is `N runs, N differences`; the exit status is 1 if there
 """
 
 import argparse
-import os
 import random
 import shlex
 import shutil
 import subprocess
 import sys
-import tempfile
 from collections import Counter
 from pathlib import Path
 
-sys.dont_write_bytecode = True
-sys.path.insert(0, str(Path(__file__).resolve().parent))
-import inputs  # noqa: E402
-import options  # noqa: E402
+import inputs
+import options
+
+sys.path.append(f"{sys.path[0]}/..")
+import running
 
 INPUT = "result.out"
-SECONDS = 30
 MOST_KEPT = 20
 MOST_TRIALS = 300
 
@@ -54,18 +52,6 @@ def make_case(seed, n):
     return Case(args, content, surroundings)
 
 
-def compile_stand_in(folder):
-    """Returns a folder that holds nothing but a gnuplot that records what it gets."""
-    path = folder / "path"
-    path.mkdir()
-    source = Path(__file__).resolve().parent / "gnuplot.c"
-    compiler = shlex.split(os.environ.get("CC", "cc"))
-    command = compiler + ["-O1", "-o", str(path / "gnuplot"), str(source)]
-    if subprocess.run(command + ["-static"], stderr=subprocess.DEVNULL).returncode != 0:
-        subprocess.run(command, check=True)
-    return path
-
-
 def without_shell_message(err):
     """When a program ends without waiting, the shell that finds no gnuplot may say so in the midst
     of the last message, or to nobody. Returns the other bytes, sorted."""
@@ -76,57 +62,25 @@ def without_shell_message(err):
     return bytes(sorted(letters.elements()))
 
 
-class Program:
-    """One side: the program, and the folder that it runs and is recorded in."""
-
-    def __init__(self, program, folder, path):
-        self.program = os.path.abspath(program)
-        self.folder, self.path = folder, path
-        folder.mkdir()
-        (folder / "nothing").mkdir()
-        self.record = folder / "record"
-
-    def start(self, case):
-        if self.record.exists():
-            shutil.rmtree(self.record)
-        self.record.mkdir()
-        (self.folder / INPUT).write_bytes(case.content)
-        nothing = str(self.folder / "nothing")
-        env = {
-            "PATH": nothing if case.surroundings["missing"] else str(self.path),
-            "AGREE_RECORD": str(self.record), "AGREE_STATUS": str(case.surroundings["status"]),
-            "ASAN_OPTIONS": "detect_leaks=0",
-        }
-        # The pipes stay open in gnuplot, so even a session that nobody waits for is complete
-        # when they end.
-        merged = case.surroundings["merged"]
-        self.case = case
-        self.process = subprocess.Popen(
-            ["gravlex"] + case.args, executable=self.program, cwd=self.folder, env=env,
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT if merged else subprocess.PIPE)
-
-    def finish(self):
-        """Returns what the run gave, a dictionary of byte strings."""
-        try:
-            out, err = self.process.communicate(timeout=SECONDS)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.communicate()
-            return {"status": b"ran longer than %d seconds" % SECONDS}
-        err = err or b""
-        if self.case.surroundings["missing"] and self.process.returncode == 1:
-            err = without_shell_message(err)
-        given = {"status": b"%d" % self.process.returncode, "stdout": out, "stderr": err}
-        for session in sorted(os.listdir(self.record)):
-            given[session] = (self.record / session).read_bytes()
-        return given
+def run_program(program, case):
+    """Returns what the run gave, a dictionary of byte strings."""
+    machine = case.surroundings
+    result = running.run(
+        ["gravlex", *case.args], {INPUT: case.content}, executable=program,
+        gnuplot=None if machine["missing"] else running.STANDIN,
+        env={"STANDIN_STATUS": str(machine["status"])},
+        stderr=subprocess.STDOUT if machine["merged"] else subprocess.PIPE)
+    if result.left:
+        return {"status": b"did not end in time"}
+    err = result.stderr
+    if machine["missing"] and result.status == 1:
+        err = without_shell_message(err)
+    return {"status": b"%d" % result.status, "stdout": result.stdout, "stderr": err,
+            **result.recorded}
 
 
 def run_both(programs, case):
-    for program in programs:
-        program.start(case)
-    return [program.finish() for program in programs]
+    return list(running.side_by_side(lambda program: run_program(program, case), programs))
 
 
 def same_but_for_nan_sign(ours, theirs):
@@ -223,8 +177,7 @@ def report(n, verdict, case, given, folder):
 
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--plain", required=True)
+    parser.add_argument("--plain", required=True, type=Path)
     parser.add_argument("--runs", type=int, default=1000)
     parser.add_argument("--first", type=int, default=1, help="number of the first run")
     parser.add_argument("--seed", default="1")
@@ -235,24 +188,20 @@ def parse_arguments():
 def main():
     settings = parse_arguments()
     differences = signs = 0
-    with tempfile.TemporaryDirectory(prefix="agree-") as name:
-        folder = Path(name)
-        path = compile_stand_in(folder)
-        programs = [Program(settings.program, folder / "a", path),
-                    Program(settings.plain, folder / "b", path)]
-        for n in range(settings.first, settings.first + settings.runs):
-            case = make_case(settings.seed, n)
-            verdict = judge(*run_both(programs, case))
-            if verdict == "nan":
-                signs += 1
-            elif verdict:
-                differences += 1
-                if differences <= MOST_KEPT:
-                    small = minimise(programs, case, verdict)
-                    given = run_both(programs, small)
-                    kept = settings.keep / ("run-%d" % n)
-                    keep_case(kept, small, given)
-                    report(n, verdict, small, given, kept)
+    programs = [running.PROGRAM, settings.plain.absolute()]
+    for n in range(settings.first, settings.first + settings.runs):
+        case = make_case(settings.seed, n)
+        verdict = judge(*run_both(programs, case))
+        if verdict == "nan":
+            signs += 1
+        elif verdict:
+            differences += 1
+            if differences <= MOST_KEPT:
+                small = minimise(programs, case, verdict)
+                given = run_both(programs, small)
+                kept = settings.keep / ("run-%d" % n)
+                keep_case(kept, small, given)
+                report(n, verdict, small, given, kept)
     if signs:
         print("%d runs differ in the sign of a nan only" % signs)
     print("%d runs, %d differences" % (settings.runs, differences))

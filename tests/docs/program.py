@@ -1,17 +1,26 @@
 # SPDX-License-Identifier: MIT
 """What the program's source says about itself: options, kind words and messages."""
-import os
 import re
 import subprocess
-from pathlib import Path
+import sys
 
-ROOT = Path(os.environ["GRAVLEX_SOURCE"])
-PROGRAM = os.environ["GRAVLEX"]
-EXAMPLES = ROOT / "examples"
+sys.path.append(f"{sys.path[0]}/..")
+import running
+from running import PROGRAM, ROOT
 
 STRING = r'"(?:[^"\\]|\\.)*"'
 STRINGS = rf"(?:{STRING}\s*)+"
 ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\"}
+
+
+def draw(test, command, files):
+    """Runs a command line that the documents show. It must draw without a word on standard error.
+    Returns what it printed and what it sent to gnuplot."""
+    result = running.run(["sh", "-c", command], files)
+    test.assertEqual((result.status, result.stderr), (0, b""), result.stdout)
+    sent = b"".join(result.streams).decode("latin-1")
+    test.assertRegex(sent, r"(?m)^plot  '-'")
+    return result.stdout.decode(), sent
 
 
 def source(name):

@@ -1,12 +1,7 @@
 # SPDX-License-Identifier: MIT
 """docs/file-format.md: its examples are read as it says, its labels are the program's."""
-import os
 import re
-import subprocess
-import sys
-import tempfile
 import unittest
-from pathlib import Path
 
 import program
 
@@ -18,23 +13,10 @@ def blocks(language):
 
 
 class FileFormat(unittest.TestCase):
-    def setUp(self):
-        holder = tempfile.TemporaryDirectory()
-        self.addCleanup(holder.cleanup)
-        self.folder = Path(holder.name)
-        gnuplot = self.folder / "gnuplot"
-        gnuplot.write_text("#!/bin/sh\ncat >commands\n")
-        gnuplot.chmod(0o755)
-
-    def draw(self, *arguments):
-        """What is printed about the reading of the file; it must be read and drawn."""
-        path = f"{self.folder}:{os.environ['PATH']}"
-        run = subprocess.run([program.PROGRAM, *arguments], cwd=self.folder, text=True,
-                             env=os.environ | {"PATH": path}, capture_output=True)
-        self.assertEqual((run.returncode, run.stderr), (0, ""), run.stdout)
-        commands = (self.folder / "commands").read_text(encoding="latin-1")
-        self.assertRegex(commands, r"(?m)^plot  '-'")
-        said = re.search(r"(?s)table=1\n(.*?)\d+ Curve groups", run.stdout)[1]
+    def said(self, command, files):
+        """What is printed about the reading of the file."""
+        printed, _ = program.draw(self, command, files)
+        said = re.search(r"(?s)table=1\n(.*?)\d+ Curve groups", printed)[1]
         return re.sub(" +$", "", said, flags=re.M)
 
     def test_examples(self):
@@ -43,23 +25,21 @@ class FileFormat(unittest.TestCase):
         self.assertEqual(len(examples), 2)
         self.assertEqual(len(answers), 2)
         for (name, text), answer in zip(examples, answers):
-            (self.folder / name).write_text(text)
             with self.subTest(name):
-                self.assertEqual(self.draw("--curves", "1-1,2-1", name), answer)
+                self.assertEqual(self.said(f"gravlex --curves 1-1,2-1 {name}", {name: text}),
+                                 answer)
 
     def test_windows_line_ends(self):
         for text, answer in zip(blocks("text"), blocks("console")):
-            (self.folder / "windows.out").write_text(text, newline="\r\n")
-            self.assertEqual(self.draw("windows.out"), answer)
+            files = {"windows.out": text.replace("\n", "\r\n")}
+            self.assertEqual(self.said("gravlex windows.out", files), answer)
 
     def test_writer(self):
         writer, = blocks("python")
-        subprocess.run([sys.executable, "-c", writer], cwd=self.folder, check=True)
-        command, = re.findall(r"^    gravlex (.* mine\.out)$", TEXT, re.M)
-        said = self.draw(*command.split())
-        self.assertEqual(said.count("Number of data points: 3"), 2)
-        commands = (self.folder / "commands").read_text(encoding="latin-1")
-        self.assertEqual(len(re.findall("'-'", commands)), 4)
+        command, = re.findall(r"^    (gravlex .* mine\.out)$", TEXT, re.M)
+        printed, sent = program.draw(self, f"python3 write.py && {command}", {"write.py": writer})
+        self.assertEqual(printed.count("Number of data points: 3"), 2)
+        self.assertEqual(sent.count("'-'"), 4)
 
     def test_labels(self):
         rows = re.findall(r"^\| `( .*?)\\\|` \| .*? \| (.*?) \|$", TEXT, re.M)

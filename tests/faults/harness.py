@@ -1,46 +1,17 @@
 # SPDX-License-Identifier: MIT
-"""Runs the program on a broken machine, and says what a good end is."""
+"""Inputs for broken machines, and what a good end is there."""
 
-import argparse
-import concurrent.futures
-import dataclasses
-import fcntl
 import math
-import os
-import pathlib
 import re
-import select
-import signal
-import subprocess
 import sys
-import tempfile
-import time
 
-TIME_LIMIT = 60  # seconds; a run takes milliseconds
-# Settings of the tools that watch the program; nothing else comes in from outside.
-KEPT = re.compile(r"(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
-# What a build that counts coverage says when it cannot write its counts.
-COVERAGE = re.compile(rb"(?m)^(libgcov )?profiling.*\n")
+sys.path.append(f"{sys.path[0]}/..")
+import running
+
+PRELOAD = running.PROGRAM.parent / "tests" / "faults" / "libfaults_preload.so"
 LABELS = ("       S      |", "   Exp. sM(s)  |", "   Thr. sM(s)  |", "  Delta sM(s)  |",
           "  sM(s) St.dev |")
 RULE = "-" * 79
-
-
-@dataclasses.dataclass
-class Result:
-    """How a run ended, and what it and all that it started had written when the last was gone."""
-    status: int  # negative: the signal that ended it
-    stdout: bytes
-    stderr: bytes
-    streams: list  # what each gnuplot read
-    left: bool  # something that it started was still running in the end
-
-
-def options():
-    parser = argparse.ArgumentParser()
-    for name in ("program", "preload", "gnuplot"):
-        parser.add_argument(f"--{name}", required=True, type=os.path.abspath)
-    return parser.parse_args()
 
 
 # ---- Inputs ------------------------------------------------------------------------------------
@@ -71,90 +42,10 @@ def layout_2(points=12):
     return text + "\n The end.\n"
 
 
-# ---- One run -----------------------------------------------------------------------------------
-
-def environment(folder, gnuplot, more):
-    """A path on which gnuplot is the stand-in, and nothing of the user's own settings."""
-    bin_folder = folder / "bin"
-    bin_folder.mkdir()
-    if gnuplot is not None:
-        (bin_folder / "gnuplot").symlink_to(gnuplot)
-    # A list that a later one replaces is dropped, not freed: a short run needs no better.
-    env = {"ASAN_OPTIONS": "detect_leaks=0:verify_asan_link_order=0"}
-    env.update((name, value) for name, value in os.environ.items() if KEPT.fullmatch(name))
-    env.update(PATH=f"{bin_folder}:/usr/bin:/bin", LC_ALL="C", HOME=str(folder),
-               RECORD=str(folder / "record"))
-    env.update(more)
-    return env
-
-
-def wait_for_all(process, witness):
-    """Reads both outputs until nothing that holds the witness pipe is running any more."""
-    texts = {process.stdout: b"", process.stderr: b""}
-    waiting = [process.stdout, process.stderr, witness]
-    end = time.monotonic() + TIME_LIMIT
-    while waiting:
-        ready = select.select(waiting, [], [], max(0, end - time.monotonic()))[0]
-        if not ready:
-            return texts, False
-        for stream in ready:
-            data = os.read(stream if stream == witness else stream.fileno(), 1 << 16)
-            if not data:
-                waiting.remove(stream)
-            elif stream != witness:
-                texts[stream] += data
-    return texts, True
-
-
-def read_streams(folder):
-    """The recordings, in order; those of arguments must be as they always are."""
-    for path in folder.glob("gnuplot-*.args"):
-        if path.read_bytes() not in (b"-persist\n", b""):
-            sys.exit(f"gnuplot was called with {path.read_bytes()}")
-    return [path.read_bytes() for path in sorted(folder.glob("gnuplot-*.in"))]
-
-
-def run(command, files=(), gnuplot=None, env=(), meanwhile=None, afterwards=None):
-    """Runs a command in a new folder with these files. `meanwhile` gets the process and the
-    folder, `afterwards` the folder when all is over."""
-    with tempfile.TemporaryDirectory(prefix="gravlex-faults-") as name:
-        folder = pathlib.Path(name)
-        folder.chmod(0o755)
-        for subfolder in ("record", "run"):
-            (folder / subfolder).mkdir()
-            (folder / subfolder).chmod(0o777)
-        for file, text in dict(files).items():
-            (folder / "run" / file).write_text(text)
-        reader, writer = os.pipe()
-        # Out of the way of descriptors that a test closes or counts.
-        witness = fcntl.fcntl(writer, fcntl.F_DUPFD_CLOEXEC, 100)
-        os.close(writer)
-        process = subprocess.Popen(
-            [str(word).replace("{folder}", name) for word in command], cwd=folder / "run",
-            env=environment(folder, gnuplot, dict(env)), stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True,
-            pass_fds=(witness,))
-        os.close(witness)
-        if meanwhile is not None:
-            meanwhile(process, folder)
-        texts, all_gone = wait_for_all(process, reader)
-        if not all_gone:
-            os.killpg(process.pid, signal.SIGKILL)
-        process.wait()
-        os.close(reader)
-        stdout, stderr = texts[process.stdout], COVERAGE.sub(b"", texts[process.stderr])
-        process.stdout.close()
-        process.stderr.close()
-        if afterwards is not None:
-            afterwards(folder)
-        return Result(process.returncode, stdout, stderr, read_streams(folder / "record"),
-                      not all_gone)
-
-
 # ---- What is good ------------------------------------------------------------------------------
 
 NO_PIPE = re.compile(rb"Cannot connect to gnuplot pipe: [^\n]+\n\Z")
-LOST = b"Unable to close GnuPlot pipe.\n"
+LOST = running.PIPE_LINE.encode()
 
 
 def begins_like(found, right):
@@ -210,9 +101,3 @@ def faults_of(result, right):
 def describe(result):
     return (f"    status {result.status}\n    stdout ...{result.stdout[-200:]!r}\n"
             f"    stderr {result.stderr[-400:]!r}\n    streams {[len(s) for s in result.streams]}")
-
-
-def side_by_side(function, items):
-    """The results in order, from two runs at a time."""
-    with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
-        yield from pool.map(function, items)

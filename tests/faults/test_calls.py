@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Lets every system call of a run fail, with each error that it may meet, once and from then on.
 
@@ -9,11 +8,10 @@ streams: that is the work of the dynamic linker.
 
 import collections
 import re
-import shutil
-import subprocess
 import sys
 
 import harness
+import running
 
 # The errors that a call may meet. What is not here cannot fail as it is called.
 ERRORS = {
@@ -51,9 +49,10 @@ MESSAGES = (b"Cannot open file 'one.out'\n", b"Cannot read file 'long.out': Inpu
             harness.LOST)
 
 
-def traced(options, arguments, env, *strace):
-    command = ["strace", "-qq", "-o", "{folder}/record/trace", *strace, options.program]
-    return [*command, *arguments.split()], FILES, options.gnuplot, env
+def traced(name, *strace, **more):
+    arguments, env = RUNS[name]
+    return running.run(["strace", "-qq", "-o", "{folder}/trace", *strace, running.PROGRAM,
+                        *arguments.split()], FILES, env=env, **more)
 
 
 def descriptor(line):
@@ -70,13 +69,11 @@ def can_fail(name, call, line):
     return not (name == "long" and call == "write" and descriptor(line) > 2)
 
 
-def calls_of(options, name):
+def calls_of(name):
     """The calls of an undisturbed run: name, how many-th of that name, line of the trace."""
-    arguments, env = RUNS[name]
     text = []
-    command = traced(options, arguments, env)
-    right = harness.run(*command, afterwards=lambda folder: text.append(
-        (folder / "record" / "trace").read_text(errors="replace")))
+    right = traced(name, afterwards=lambda folder: text.append(
+        (folder / "trace").read_text(errors="replace")))
     counts = collections.Counter()
     calls = []
     begun = False
@@ -84,8 +81,6 @@ def calls_of(options, name):
         call = line.partition("(")[0]
         counts[call] += 1
         begun = begun or line.startswith("fcntl(2, F_GETFD")
-        if ".gcda" in line:
-            break  # the coverage counters, after the end
         if begun and can_fail(name, call, line):
             calls.append((call, counts[call], line))
     return right, calls
@@ -115,11 +110,9 @@ def faults_of(call, error, when, line, result, right):
     return harness.faults_of(result, right)
 
 
-def check(options, name, item):
+def check(name, item):
     (call, number, line), error, when, right = item
-    arguments, env = RUNS[name]
-    result = harness.run(*traced(options, arguments, env, "-e",
-                                 f"inject={call}:error={error}:when={number}{when}"))
+    result = traced(name, "-e", f"inject={call}:error={error}:when={number}{when}")
     wrong = faults_of(call, error, when, line, result, right)
     if wrong:
         print(f"{name}, {line.partition(' = ')[0]}: {error}{' from then on' if when else ''}: "
@@ -127,13 +120,13 @@ def check(options, name, item):
     return not wrong, result.status, result.stdout + result.stderr
 
 
-def check_run(options, name):
-    right, calls = calls_of(options, name)
+def check_run(name):
+    right, calls = calls_of(name)
     items = [(call, error, when, right) for call in calls for error in ERRORS[call[0]]
              for when in ("", "+") if (error, when) not in PASSING]
     if len(calls) < 4:
         sys.exit(f"{name}: only {len(calls)} calls were seen: nothing was tested")
-    results = list(harness.side_by_side(lambda item: check(options, name, item), items))
+    results = list(running.side_by_side(lambda item: check(name, item), items))
     ends = collections.Counter(status for _, status, _ in results)
     failed = sum(not good for good, _, _ in results)
     print(f"{name}: {len(calls)} calls, {len(items)} runs: status 0 {ends[0]}, 1 {ends[1]}; "
@@ -142,15 +135,11 @@ def check_run(options, name):
 
 
 def main():
-    options = harness.options()
-    if not shutil.which("strace") or subprocess.run(
-            ["strace", "-o", "/dev/null", "true"], check=False, capture_output=True).returncode:
-        print("strace is missing or may not trace here")
-        sys.exit(77)
+    running.skip_unless_it_runs("strace", "-o", "/dev/null", "true")
     runs = failed = 0
     all_said = b""
     for name in RUNS:
-        count, bad, said = check_run(options, name)
+        count, bad, said = check_run(name)
         runs, failed, all_said = runs + count, failed + bad, all_said + said
     missing = [message for message in MESSAGES if message not in all_said]
     print(f"{runs} runs, {failed} failed", *(f"never said: {text}" for text in missing), sep="\n")

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """What a run makes of a machine that is not as it should be: of outputs that are closed or full,
 of a gnuplot that goes, of signals, of limits, of foreign numbers and of inputs that come slowly.
@@ -13,13 +12,13 @@ import shutil
 import signal
 import stat
 import subprocess
-import sys
 import tempfile
 import threading
 import time
 import unittest
 
 import harness
+import running
 
 RUNS = {
     "window": "--data sms,tsms --curves 1-1,2-1 two.out",
@@ -35,24 +34,22 @@ LOST = harness.LOST
 # What the shell may say about a gnuplot that was ended by a signal.
 SHELL = re.compile(rb"(?m)^(Killed|Terminated)$\n")
 OUTPUT_LOST = b"Cannot write to standard output: "
-NOBODY = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
 
 
 class Machine(unittest.TestCase):
 
     def start(self, arguments, before="", after="", shell=None, env=None, wrapper=(), **more):
         """Runs below a shell that prepares it and redirects it, or that does as it is told."""
-        command = [*wrapper, OPTIONS.program, *arguments.split()]
+        command = [*wrapper, running.PROGRAM, *arguments.split()]
         env = env or {}
         if any(name.startswith("FAULTS_") for name in env):
-            command = ["env", f"LD_PRELOAD={OPTIONS.preload}", *command]
+            command = ["env", f"LD_PRELOAD={harness.PRELOAD}", *command]
         if before or after:
             shell = f'{before}\nexec "$@" {after}'
         if shell:
             command = ["/bin/sh", "-c", shell, "sh", *command]
         more.setdefault("files", FILES)
-        more.setdefault("gnuplot", OPTIONS.gnuplot)
-        return harness.run(command, env=env, **more)
+        return running.run(command, env=env, **more)
 
     def right(self, arguments):
         """The undisturbed run."""
@@ -78,7 +75,7 @@ class Outputs(Machine):
                     result = self.start(
                         arguments, after=" ".join(f"{number}>&-" for number in closed),
                         afterwards=lambda folder: left.extend(
-                            (folder / "run" / file).read_text() for file in FILES))
+                            (folder / "work" / file).read_text() for file in FILES))
                     self.assertEqual(result.status, right.status)
                     self.assertEqual(result.streams, right.streams)
                     self.assertEqual(result.stdout, b"" if "1" in closed else right.stdout)
@@ -164,7 +161,7 @@ class Gnuplot(Machine):
         for name, arguments in {**RUNS, "long": LONG}.items():
             with self.subTest(name=name):
                 right = self.right(arguments)
-                result = self.start(arguments, gnuplot="/nowhere", env={"PATH": "/nowhere"})
+                result = self.start(arguments, gnuplot=None)
                 self.assertEqual((result.status, result.stdout), (0, right.stdout))
                 self.assertEqual(result.stderr.count(LOST), len(right.streams))
 
@@ -186,8 +183,8 @@ def feed(pieces, pause, between=lambda pid: None):
     """Makes the FIFO, and writes the pieces into it once it is opened."""
     def start(process, folder):
         def write():
-            os.mkfifo(folder / "run" / "fifo")
-            with open(folder / "run" / "fifo", "wb", buffering=0) as fifo:
+            os.mkfifo(folder / "work" / "fifo")
+            with open(folder / "work" / "fifo", "wb", buffering=0) as fifo:
                 for piece in pieces:
                     fifo.write(piece.encode())
                     time.sleep(pause)
@@ -214,7 +211,7 @@ class Inputs(Machine):
                     files = {file: text[:begun], "rest": text[begun:]}
                     result = self.start(arguments, files=files, env={"FAULTS_GROW": "rest"},
                                         afterwards=lambda folder: left.append(
-                                            (folder / "run" / file).read_text()))
+                                            (folder / "work" / file).read_text()))
                     self.assert_good(result, arguments)
                     self.assertEqual(left.pop(), text)
 
@@ -260,7 +257,7 @@ class Signals(Machine):
     def interrupted(self, arguments, ready, number=signal.SIGINT, **more):
         """A run that gets a signal, together with all that it started, once it is ready."""
         def meanwhile(process, folder):
-            end = time.monotonic() + harness.TIME_LIMIT
+            end = time.monotonic() + running.TIME_LIMIT
             while not ready(process, folder) and time.monotonic() < end:
                 time.sleep(0.01)
             time.sleep(0.05)
@@ -392,17 +389,15 @@ class Limits(Machine):
 class Place(Machine):
 
     def test_read_only_folder(self):
-        if os.getuid() == 0 and (not shutil.which("setpriv") or subprocess.run(
-                [*NOBODY, "test", "-r", OPTIONS.gnuplot, "-a", "-x", OPTIONS.program],
-                check=False, stdin=subprocess.DEVNULL).returncode):
+        if subprocess.run([*running.AS_NOBODY, "test", "-r", running.STANDIN, "-a", "-x",
+                           running.PROGRAM], check=False, stdin=subprocess.DEVNULL).returncode:
             self.skipTest("the program is not there for an unprivileged user")
-        wrapper = NOBODY if os.getuid() == 0 else []
         for name, arguments in {**RUNS, "long": LONG}.items():
             with self.subTest(name=name):
                 modes = []
-                result = self.start(arguments, before="chmod 555 .", wrapper=wrapper,
+                result = self.start(arguments, before="chmod 555 .", wrapper=running.AS_NOBODY,
                                     afterwards=lambda folder: modes.append(stat.S_IMODE(
-                                        (folder / "run").stat().st_mode)))
+                                        (folder / "work").stat().st_mode)))
                 self.assertEqual(modes, [0o555])
                 self.assert_good(result, arguments)
 
@@ -410,7 +405,7 @@ class Place(Machine):
         for name, arguments in RUNS.items():
             with self.subTest(name=name):
                 words = arguments.split()
-                result = self.start(" ".join([*words[:-1], "{folder}/run/" + words[-1]]),
+                result = self.start(" ".join([*words[:-1], "{folder}/work/" + words[-1]]),
                                     before="mkdir gone; cd gone; rmdir ../gone")
                 right = self.right(arguments)
                 # The shell that starts gnuplot has something to say to that.
@@ -437,11 +432,9 @@ class Place(Machine):
 
 
 Right = {}
-OPTIONS = None
 
 if __name__ == "__main__":
     # Ctrl-C reaches the runs even where this test is run in the background.
     for each in (signal.SIGINT, signal.SIGHUP, signal.SIGTERM):
         signal.signal(each, signal.SIG_DFL)
-    OPTIONS = harness.options()
-    unittest.main(argv=[sys.argv[0], "--verbose"])
+    unittest.main(verbosity=2)

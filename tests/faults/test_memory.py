@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Lets every allocation of a run fail, once and for ever, until there is none left to fail.
 
@@ -10,12 +9,11 @@ import collections
 import dataclasses
 import itertools
 import os
-import pathlib
 import re
 import sys
-import tempfile
 
 import harness
+import running
 
 # Name: arguments and environment.
 RUNS = {
@@ -68,18 +66,18 @@ def judge(what, result, wrong, caller=""):
         print(f"{what}: {'; '.join(wrong)}\n{harness.describe(result)}")
 
 
-def run(options, name, memory):
+def run(name, memory):
     """The result, and the library that asked for the first allocation that failed."""
     arguments, env = RUNS[name]
-    with tempfile.TemporaryDirectory(prefix="gravlex-note-") as folder:
-        note = pathlib.Path(folder, "note")
-        env = dict(env, LD_PRELOAD=options.preload, FAULTS_MEMORY=memory, FAULTS_NOTE=str(note))
-        result = harness.run([options.program, *arguments.split()], FILES, options.gnuplot, env)
-        caller = note.read_text().splitlines()[0] if note.exists() else None
-        return result, caller and os.path.basename(caller)
+    env = {"LD_PRELOAD": harness.PRELOAD, "FAULTS_MEMORY": memory, "FAULTS_NOTE": "note", **env}
+    callers = []
+    result = running.run(
+        [running.PROGRAM, *arguments.split()], {**FILES, "note": ""}, env=env,
+        afterwards=lambda folder: callers.extend((folder / "work" / "note").read_text().splitlines()))
+    return result, os.path.basename(callers[0]) if callers else None
 
 
-def wrong_message(options, result, right, caller):
+def wrong_message(result, right, caller):
     """Without memory the program says so once, and last. For what a library asked for, it may also
     end for another reason."""
     said = result.stderr.count(MESSAGE) + result.stderr.count(BUFFER_MESSAGE)
@@ -87,17 +85,17 @@ def wrong_message(options, result, right, caller):
             said == 1 and result.stderr.endswith((MESSAGE, BUFFER_MESSAGE)) or \
             OPTIONS_MESSAGE.match(result.stderr):
         return []
-    own = caller == os.path.basename(options.program)
+    own = caller == running.PROGRAM.name
     if not own and (right.status == 1 and result.stderr == right.stderr or
                     harness.NO_PIPE.search(result.stdout)):
         return []
     return ["status 1 with another message"]
 
 
-def forgotten(options, name, result, caller):
+def forgotten(name, result, caller):
     """The option after a list that lacked memory must be looked at."""
     looked_at = b"'nonsense'" in result.stderr
-    own = caller == os.path.basename(options.program)
+    own = caller == running.PROGRAM.name
     return ["the next option was not looked at"] if own and name == "lists" and not looked_at else []
 
 
@@ -110,12 +108,12 @@ def without_gaps(name, result, right):
     return dataclasses.replace(result, stdout=right.stdout) if gaps or unseen else result
 
 
-def fail_each(options, name, kind):
+def fail_each(name, kind):
     """Runs with the first, second ... allocation failing. How many there were."""
-    right, _ = run(options, name, "1000000000")
+    right, _ = run(name, "1000000000")
     for first in itertools.count(1, STEP):
         numbers = range(first, first + STEP)
-        results = harness.side_by_side(lambda n: run(options, name, f"{n}{kind}"), numbers)
+        results = running.side_by_side(lambda n: run(name, f"{n}{kind}"), numbers)
         for number, (result, caller) in zip(numbers, results):
             if caller is None:
                 judge(f"{name}, undisturbed", result, [] if result == right else ["changed"])
@@ -124,31 +122,30 @@ def fail_each(options, name, kind):
                 result = without_gaps(name, result, right)
             judge(f"{name}, allocation {number}{kind} from {caller}", result,
                   harness.faults_of(result, right) +
-                  wrong_message(options, result, right, caller) +
-                  (forgotten(options, name, result, caller) if kind == "" else []), caller)
+                  wrong_message(result, right, caller) +
+                  (forgotten(name, result, caller) if kind == "" else []), caller)
 
 
-def fail_all(options):
+def fail_all():
     for name in RUNS:
-        counts = [fail_each(options, name, kind) for kind in ("", "+")]
+        counts = [fail_each(name, kind) for kind in ("", "+")]
         print(f"{name}: {counts[0]} allocations failed once, {counts[1]} and all after them")
         if 0 in counts:
             sys.exit("not one allocation was seen: nothing was tested")
 
 
-def run_short(options, size):
-    env = {} if size is None else {"LD_PRELOAD": options.preload, "FAULTS_SPACE": str(size)}
-    return harness.run([options.program, *BIG.split()], BIG_FILES, options.gnuplot, env)
+def run_short(size):
+    env = {} if size is None else {"LD_PRELOAD": harness.PRELOAD, "FAULTS_SPACE": str(size)}
+    return running.run([running.PROGRAM, *BIG.split()], BIG_FILES, env=env)
 
 
-def run_out(options):
+def run_out():
     """Runs with more and more memory, until it is enough."""
-    right = run_short(options, None)
+    right = run_short(None)
     places = set()
     for first in itertools.count(0, 64 * STEP):
         sizes = range(first, first + 64 * STEP, 64)
-        for size, result in zip(sizes, harness.side_by_side(
-                lambda size: run_short(options, size), sizes)):
+        for size, result in zip(sizes, running.side_by_side(run_short, sizes)):
             judge(f"{size} KiB", result, harness.faults_of(result, right))
             if result.status == 0:
                 print(f"enough at {size} KiB, too little in {len(places)} places before")
@@ -157,11 +154,10 @@ def run_out(options):
 
 
 def main():
-    options = harness.options()
-    fail_all(options)
+    fail_all()
     # The address sanitizer keeps memory of its own, which has no such end.
-    sanitized = b"__asan_init" in pathlib.Path(options.program).read_bytes()
-    if not sanitized and not run_out(options):
+    sanitized = b"__asan_init" in running.PROGRAM.read_bytes()
+    if not sanitized and not run_out():
         sys.exit("memory never ran out: nothing was tested")
     for (caller, status, ending), count in sorted(Tally.outcomes.items()):
         print(f"{count:5} {caller}: status {status}, {ending}")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""documents.py GRAVLEX check|redraw DOCUMENT...: runs the commands that the documents show.
+"""documents.py check|redraw DOCUMENT...: runs the commands that the documents show.
 
 Commands are the lines that begin with "gravlex " in blocks that begin with "```sh"; a backslash
 at the end continues a line. Those of a block run one after another in a folder of their own,
@@ -14,7 +14,6 @@ picture before the first block is one that another block draws.
 
 import collections
 import functools
-import pathlib
 import re
 import shutil
 import subprocess
@@ -22,7 +21,9 @@ import sys
 
 import files
 import sessions
-from sessions import ROOT, expect
+import running
+from running import ROOT
+from sessions import expect
 
 PICTURES = ROOT / "docs" / "pictures"
 MOST_BYTES = 150_000
@@ -60,11 +61,11 @@ def images_in(folder):
             if path.suffix in (".png", ".eps", ".svg") and path.stat().st_size > 0}
 
 
-def run_command(program, command, folder, display):
+def run_command(command, folder, display):
     """Runs one command, which must quietly draw what its options ask for."""
     images, count = images_in(folder), len(sessions.windows(display))
     wants_image = WRITES_IMAGE.search(command)
-    status, _, err = sessions.run(program, command, folder, None if wants_image else display)
+    status, _, err = sessions.run(command, folder, None if wants_image else display)
     expect(status == 0, f"{command}: status {status}, {err}")
     expect(sessions.is_quiet(err), f"{command}: said {err}")
     if wants_image:
@@ -88,11 +89,11 @@ def make_picture(picture, display):
     expect(picture.exists(), f"no command of its block draws {picture.name}")
 
 
-def draw_block(program, commands, names, handle):
+def draw_block(commands, names, handle):
     """Runs the commands of a block and calls handle(picture) for each picture."""
     with sessions.work_folder() as folder, sessions.x_display() as display:
         for command in commands:
-            run_command(program, command, folder, display)
+            run_command(command, folder, display)
         for name in names:
             make_picture(folder / name, display)
             handle(folder / name)
@@ -192,12 +193,12 @@ def make_test(label, function, *arguments):
     return test
 
 
-def check(program, documents):
+def check(documents):
     tests = [make_test("pictures of the documents", check_names, documents)]
     for document in documents:
         blocks = read_blocks(document)
         tests += [make_test(f"{document.name}: {commands[0]}",
-                            draw_block, program, commands, names, check_picture)
+                            draw_block, commands, names, check_picture)
                   for commands, names in blocks]
         expect(blocks, f"{document.name} shows no commands")
     sessions.run_tests(tests)
@@ -210,8 +211,8 @@ def keep_picture(picture):
     print(f"docs/pictures/{picture.name}", flush=True)
 
 
-def redraw(program, documents):
-    sessions.require_tools()
+def redraw(documents):
+    running.require(*sessions.TOOLS)
     PICTURES.mkdir(exist_ok=True)
     names = drawn_names(documents)
     for path in PICTURES.iterdir():
@@ -220,9 +221,9 @@ def redraw(program, documents):
     for document in documents:
         for commands, pictures in read_blocks(document):
             if pictures:
-                draw_block(program, commands, pictures, keep_picture)
+                draw_block(commands, pictures, keep_picture)
 
 
 if __name__ == "__main__":
-    ACTION = {"check": check, "redraw": redraw}[sys.argv[2]]
-    ACTION(pathlib.Path(sys.argv[1]).resolve(), [pathlib.Path(name) for name in sys.argv[3:]])
+    ACTION = {"check": check, "redraw": redraw}[sys.argv[1]]
+    ACTION([ROOT / name for name in sys.argv[2:]])

@@ -6,7 +6,6 @@ import os
 import pathlib
 import re
 import select
-import shutil
 import signal
 import subprocess
 import sys
@@ -14,13 +13,12 @@ import tempfile
 import time
 import traceback
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not under a checker on a busy machine
+sys.path.append(f"{sys.path[0]}/..")
+import running
+from running import PROGRAM, TIME_LIMIT
+
 PATIENCE = 60  # seconds until a window must have appeared
-# Settings of the tools that watch the program; of the user's own none that gnuplot looks at.
-KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
-TOOLS = {"gnuplot": "gnuplot-x11", "Xvfb": "xvfb", "setpriv": "util-linux", "gs": "ghostscript",
-         "xwininfo": "x11-utils", "import": "imagemagick", "stream": "imagemagick"}
+TOOLS = ("gnuplot", "Xvfb", "setpriv", "gs", "xwininfo", "import", "stream")
 
 
 class Failure(Exception):
@@ -32,40 +30,26 @@ def expect(condition, text):
         raise Failure(text)
 
 
-def require_tools():
-    missing = [f"{tool} ({package})" for tool, package in TOOLS.items() if not shutil.which(tool)]
-    if missing:
-        sys.exit("missing: " + ", ".join(missing))
-
-
 @contextlib.contextmanager
 def work_folder():
     """A folder to draw in, where the samples are found as in the root of the project."""
     with tempfile.TemporaryDirectory(prefix="gravlex-pictures-") as name:
         folder = pathlib.Path(name)
-        (folder / "examples").symlink_to(ROOT / "examples")
+        (folder / "examples").symlink_to(running.EXAMPLES)
         yield folder
 
 
-def environment(program, folder, display):
-    env = {name: value for name, value in os.environ.items() if KEPT.fullmatch(name)}
-    env["PATH"] = f"{program.parent}:{env['PATH']}"
-    env.update(LC_ALL="C.UTF-8", HOME=str(folder))
-    if display:
-        env["DISPLAY"] = display["name"]
-    return env
-
-
-def run(program, command, folder, display=None):
+def run(command, folder, display=None):
     """Runs a list of words, or a line for the shell. Returns (status, standard output, error).
 
     The output goes to files: a window that stays open keeps a pipe open as well.
     """
+    env = running.environment(folder, PATH=f"{PROGRAM.parent}:{os.environ['PATH']}")
+    if display:
+        env["DISPLAY"] = display["name"]
     with open(folder / "stdout", "w+b") as out, open(folder / "stderr", "w+b") as err:
-        process = subprocess.Popen(command, shell=isinstance(command, str), cwd=folder,
-                                   env=environment(program, folder, display),
-                                   stdin=subprocess.DEVNULL, stdout=out, stderr=err,
-                                   start_new_session=True)
+        process = running.start(command, shell=isinstance(command, str), cwd=folder, env=env,
+                                stdout=out, stderr=err)
         if display:
             display["groups"].append(process.pid)
         try:
@@ -81,15 +65,15 @@ def run(program, command, folder, display=None):
 def is_quiet(stderr):
     """Whether nothing was said but the line that comes with every image, and what the window's
     toolkit says of a container."""
-    return set(stderr.splitlines()) <= {
-        "Unable to close GnuPlot pipe.",
+    return set(stderr.splitlines(keepends=True)) <= {
+        running.PIPE_LINE,
         "WARNING: Glycin running without sandbox. "
-        "Bubblewrap (bwrap) doesn't work in the environment."}
+        "Bubblewrap (bwrap) doesn't work in the environment.\n"}
 
 
-def draw(program, arguments, folder, display=None):
+def draw(arguments, folder, display=None):
     """Runs gravlex, which must end well and without complaints. Returns its standard output."""
-    status, out, err = run(program, [str(program), *arguments.split()], folder, display)
+    status, out, err = run([PROGRAM, *arguments.split()], folder, display)
     expect(status == 0, f"gravlex {arguments}: status {status}, {err}")
     expect(is_quiet(err), f"gravlex {arguments}: said {err}")
     return out
@@ -161,13 +145,13 @@ def screenshot(display, window, image):
     raise Failure(f"the window shows nothing, or goes on changing, after {PATIENCE} seconds")
 
 
-def run_tests(tests, *arguments):
+def run_tests(tests):
     """Runs the functions one by one, says how each went, and ends the program."""
-    require_tools()
+    running.require(*TOOLS)
     failed = 0
     for test in tests:
         try:
-            test(*arguments)
+            test()
             print(f"ok    {test.__name__}", flush=True)
         except Exception as error:
             failed += 1

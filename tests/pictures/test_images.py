@@ -1,13 +1,12 @@
 # SPDX-License-Identifier: MIT
-"""test_images.py GRAVLEX: what is in the images of the samples, drawn by the real gnuplot."""
+"""What is in the images of the samples, drawn by the real gnuplot."""
 
 import collections
-import pathlib
-import sys
 
 import files
 import sessions
-from sessions import ROOT, draw, expect
+from running import EXAMPLES
+from sessions import draw, expect
 
 SAMPLES = ("ccl4", "benzene")
 LABELS = ("1-1", "2-1")
@@ -21,10 +20,10 @@ ORDER = [("1-1", TSMS), ("1-1", DSMS), ("2-1", TSMS), ("2-1", DSMS), ("1-1", SMS
 
 def each_sample(check):
     """Makes a test of a check for one sample: it runs for both, each in a folder of its own."""
-    def test(program):
+    def test():
         for sample in SAMPLES:
             with sessions.work_folder() as folder:
-                check(program, sample, folder)
+                check(sample, folder)
     test.__name__ = check.__name__
     return test
 
@@ -96,7 +95,7 @@ def check_margins(image, left, bottom):
 # ---- Curves ------------------------------------------------------------------------------------
 
 def read_sample(sample):
-    return files.read_sets(ROOT / "examples" / f"{sample}.out", 1)
+    return files.read_sets(EXAMPLES / f"{sample}.out", 1)
 
 
 def number_of_points(sample):
@@ -162,17 +161,17 @@ def check_stacked(series, upwards):
 
 # ---- Tests -------------------------------------------------------------------------------------
 
-def check_png(program, sample, folder):
+def check_png(sample, folder):
     for options, size in (("", (1200, 800)), ("--imgw 600 --imgl 450", (600, 450))):
-        draw(program, f"{SELECTION} {options} --png fit.png examples/{sample}.out", folder)
+        draw(f"{SELECTION} {options} --png fit.png examples/{sample}.out", folder)
         image = files.read_png(folder / "fit.png")
         expect(image[:2] == size, f"{sample}: {image[:2]} pixels instead of {size}")
         check_pixels(image, number_of_points(sample))
 
 
-def check_svg(program, sample, folder):
+def check_svg(sample, folder):
     for options, size in (("", (1200, 800)), ("--imgw 600 --imgl 450", (600, 450))):
-        draw(program, f"{SELECTION} {options} --svg fit.svg examples/{sample}.out", folder)
+        draw(f"{SELECTION} {options} --svg fit.svg examples/{sample}.out", folder)
         *found, series, texts = files.read_svg(folder / "fit.svg")
         expect(tuple(found) == size, f"{sample}: {found} pixels instead of {size}")
         check_series(series, sample, 0.03)
@@ -182,9 +181,9 @@ def check_svg(program, sample, folder):
                f"the x axis is labelled with none of {texts}")
 
 
-def check_eps(program, sample, folder):
+def check_eps(sample, folder):
     for options in ("", "--imgw 600 --imgl 450"):
-        draw(program, f"{SELECTION} {options} --eps fit.eps examples/{sample}.out", folder)
+        draw(f"{SELECTION} {options} --eps fit.eps examples/{sample}.out", folder)
         *size, series = files.read_eps(folder / "fit.eps")
         expect(tuple(size) == EPS_SIZE, f"{sample}: {size} points instead of {EPS_SIZE}")
         check_series(series, sample, 2)  # the rounding of the scale shows as well
@@ -195,9 +194,9 @@ def check_eps(program, sample, folder):
     check_pixels(image, number_of_points(sample))
 
 
-def check_deviations(program, sample, folder):
+def check_deviations(sample, folder):
     """Bars at each point, and a band as wide as two deviations."""
-    draw(program, "--data sms,tsms,dsms,smss --curves 2-1 --smserrbars --dsmserrfill --legend "
+    draw("--data sms,tsms,dsms,smss --curves 2-1 --smserrbars --dsmserrfill --legend "
          f"--svg fit.svg examples/{sample}.out", folder)
     _, _, (theory, band, delta, bars, experiment), texts = files.read_svg(folder / "fit.svg")
     _, rows = read_sample(sample)["2-1"]
@@ -216,9 +215,9 @@ def check_deviations(program, sample, folder):
     expect(wanted <= set(texts), f"the legend has not all its entries: {texts}")
 
 
-def check_separate_plots(program, sample, folder):
+def check_separate_plots(sample, folder):
     """One image for each plot, numbered, with only its own curves."""
-    draw(program, "--dread sms,tsms --curves 1-1,2-1 --no-multiplot --png fit.png "
+    draw("--dread sms,tsms --curves 1-1,2-1 --no-multiplot --png fit.png "
          f"examples/{sample}.out", folder)
     found = sorted(path.name for path in folder.glob("*.png"))
     expect(found == ["1_fit.png", "2_fit.png"], f"the images are {found}")
@@ -233,5 +232,4 @@ def check_separate_plots(program, sample, folder):
 TESTS = [check_png, check_svg, check_eps, check_deviations, check_separate_plots]
 
 if __name__ == "__main__":
-    sessions.run_tests([each_sample(check) for check in TESTS],
-                       pathlib.Path(sys.argv[1]).resolve())
+    sessions.run_tests([each_sample(check) for check in TESTS])

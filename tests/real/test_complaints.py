@@ -1,25 +1,17 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""What the real gnuplot says about a plot, and what of it gravlex passes on: test_complaints.py
-PROGRAM. There is no display, as on a server."""
+"""What the real gnuplot says about a plot, and what of it gravlex passes on. There is no display, as on a server."""
 
-import os
 import pathlib
 import re
-import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-CCL4 = ROOT / "examples" / "ccl4.out"
-BENZENE = ROOT / "examples" / "benzene.out"
-PROGRAM = pathlib.Path()
-TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not on a busy machine
-KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
+sys.path.append(f"{sys.path[0]}/..")
+import running
+from running import BENZENE, CCL4, PIPE_LINE, PROGRAM
 
-PIPE_LINE = "Unable to close GnuPlot pipe.\n"
 ONE_PLOT = ("--data", "sms,tsms", "--curves", "1-1,2-1")
 PAGE = ("--dread", "sms,tsms")
 PANELS = 6  # on that page: two kinds of three sets
@@ -42,14 +34,12 @@ class Complaints(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="gravlex-real-")
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
-        self.env = {name: value for name, value in os.environ.items() if KEPT.fullmatch(name)}
-        # In the C locale gnuplot alone would warn about the encoding that every plot sets.
-        self.env.update(LC_ALL="C.UTF-8", HOME=folder.name)
+        self.env = running.environment(folder.name)
 
     def start(self, command, **more):
         # An image without a file of its own goes to standard output, so not all of it is text.
-        return subprocess.run(command, cwd=self.folder, timeout=TIME_LIMIT, text=True,
-                              errors="surrogateescape", stdout=subprocess.PIPE,
+        return subprocess.run(command, cwd=self.folder, timeout=running.TIME_LIMIT,
+                              encoding="latin-1", stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, **more)
 
     def gravlex(self, *arguments, **env):
@@ -60,13 +50,9 @@ class Complaints(unittest.TestCase):
 
     def gnuplot_alone(self, *arguments, terminal="unknown"):
         """What gnuplot says about the same commands when nobody stands between."""
-        tools = self.folder / "tools"
-        tools.mkdir()
-        (tools / "gnuplot").symlink_to(ROOT / "tests" / "standin" / "gnuplot")
-        self.gravlex(*arguments, RECORD=str(tools), PATH=f"{tools}:{self.env['PATH']}")
-        with open(tools / "gnuplot-1.in", "rb") as commands:
-            done = self.start(["gnuplot"], env={**self.env, "GNUTERM": terminal}, stdin=commands)
-        return done.stderr
+        commands, = running.run([PROGRAM, *arguments]).streams
+        return self.start(["gnuplot"], env={**self.env, "GNUTERM": terminal},
+                          input=commands.decode("latin-1")).stderr
 
     def image(self, name):
         path = self.folder / name
@@ -164,9 +150,5 @@ class Complaints(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
-    PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
-    if not shutil.which("gnuplot"):
-        sys.exit("missing: gnuplot")
+    running.require("gnuplot")
     unittest.main()

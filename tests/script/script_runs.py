@@ -3,21 +3,17 @@
 
 import os
 import pathlib
-import re
 import shlex
 import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.append(f"{sys.path[0]}/..")
+import running
+from running import PROGRAM, ROOT, TIME_LIMIT
+
 SCRIPT = ROOT / "src" / "script" / "gravlex-script"
-STANDIN = ROOT / "tests" / "standin" / "gnuplot"
-CCL4 = ROOT / "examples" / "ccl4.out"
-TIME_LIMIT = 120  # seconds; a run takes a fraction of one, but not on a busy machine
-KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
-PROGRAM = pathlib.Path()
 ONE_PLOT = ("--data", "sms,tsms", "--curves", "1-1,2-1")
 TWO_PLOTS = ("--no-multiplot", "--no-autoshifts", "--dread", "sms,tsms", "--cread", "1-1")
 
@@ -38,9 +34,8 @@ class ScriptTest(unittest.TestCase):
         self.script = self.install(self.home / "bin")
         (self.home / "path" / "gravlex").symlink_to(PROGRAM)
         self.write_program("path/gnuplot", f": > {shlex.quote(str(self.home))}/drawn\n")
-        self.env = {name: value for name, value in os.environ.items() if KEPT.fullmatch(name)}
-        self.env.update(PATH=f"{self.home}/path:{self.env['PATH']}", TMPDIR=str(self.tmp),
-                        HOME=str(self.home), LC_ALL="C.UTF-8")
+        self.env = running.environment(
+            self.home, PATH=f"{self.home}/path:{os.environ['PATH']}", TMPDIR=str(self.tmp))
 
     def tearDown(self):
         self.assertEqual(os.listdir(self.tmp), [], "something was left behind")
@@ -62,10 +57,8 @@ class ScriptTest(unittest.TestCase):
         return path
 
     def start(self, *arguments, env=(), command=None, **more):
-        more = {"stdin": subprocess.DEVNULL, "cwd": self.work, **more}
-        return subprocess.Popen([*(command or [self.script]), *arguments],
-                                env={**self.env, **dict(env)}, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE, start_new_session=True, **more)
+        return running.start([*(command or [self.script]), *arguments],
+                             **{"env": {**self.env, **dict(env)}, "cwd": self.work, **more})
 
     def run_script(self, *arguments, status=0, **more):
         """Runs the script to its end. Returns what it printed on both streams."""
@@ -76,14 +69,9 @@ class ScriptTest(unittest.TestCase):
 
     def sent(self, *arguments, status=0):
         """The inputs of the gnuplot processes that gravlex itself starts, and what it prints."""
-        record = self.home / "record"
-        shutil.rmtree(record, ignore_errors=True)
-        record.mkdir()
-        (record / "gnuplot").symlink_to(STANDIN)
-        done = self.run_script(*arguments, status=status, command=[PROGRAM],
-                               env={"RECORD": str(record), "PATH": f"{record}:{self.env['PATH']}"})
-        count = len(list(record.glob("*.in")))
-        return [(record / f"gnuplot-{n + 1}.in").read_bytes() for n in range(count)], done
+        result = running.run([PROGRAM, *arguments], cwd=self.work)
+        self.assertEqual(result.status, status, result.stderr)
+        return result.streams, (result.stdout, result.stderr)
 
     def files(self):
         return sorted(path.name for path in self.work.iterdir())
@@ -101,11 +89,3 @@ def under_each_shell(scope, *classes):
             shell = f"{path} sh" if name == "busybox" else path
             scope[f"{test.__name__}_{name}"] = type(f"{test.__name__}_{name}", (test,),
                                                     {"shell": shell})
-
-
-def main():
-    global PROGRAM
-    if len(sys.argv) < 2:
-        sys.exit(f"usage: {sys.argv[0]} PROGRAM [TEST...]")
-    PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
-    unittest.main()

@@ -1,13 +1,14 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""What gravlex-script keeps, where, and what it refuses: test_commands.py PROGRAM."""
+"""What gravlex-script keeps, where, and what it refuses."""
 
 import os
 import shutil
 import subprocess
+import unittest
 
 import script_runs
-from script_runs import CCL4, ONE_PLOT, TWO_PLOTS, ScriptTest
+from running import CCL4
+from script_runs import ONE_PLOT, TWO_PLOTS, ScriptTest
 
 REPLOT = b"\nreplot\n"
 
@@ -188,4 +189,4 @@ class Commands(ScriptTest):
 script_runs.under_each_shell(globals(), Commands)
 
 if __name__ == "__main__":
-    script_runs.main()
+    unittest.main()

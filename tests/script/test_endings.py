@@ -1,16 +1,17 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """How gravlex-script ends when gravlex does not end well, or when it is itself ended, and what it
-needs to begin: test_endings.py PROGRAM."""
+needs to begin."""
 
 import os
 import random
 import shutil
 import signal
 import time
+import unittest
 
 import script_runs
-from script_runs import CCL4, ONE_PLOT, TIME_LIMIT, TWO_PLOTS, ScriptTest
+from running import CCL4, PROGRAM, TIME_LIMIT
+from script_runs import ONE_PLOT, TWO_PLOTS, ScriptTest
 
 SIGNALS = (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM)
 NEEDED = ("sh", "awk", "cat", "head", "ln", "mkfifo", "mktemp", "rm")
@@ -125,7 +126,7 @@ class Endings(ScriptTest):
 
     def test_needs_no_more_tools_than_these(self):
         env = self.tools_only()
-        (self.home / "tools" / "gravlex").symlink_to(script_runs.PROGRAM)
+        (self.home / "tools" / "gravlex").symlink_to(PROGRAM)
         sessions, _ = self.sent(*ONE_PLOT, CCL4)
         self.run_script(*ONE_PLOT, CCL4, env=env)
         self.assertEqual([self.kept()], sessions)
@@ -188,4 +189,4 @@ class Endings(ScriptTest):
 script_runs.under_each_shell(globals(), Endings)
 
 if __name__ == "__main__":
-    script_runs.main()
+    unittest.main()

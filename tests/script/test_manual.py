@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """The manual page of gravlex-script against the script: test_manual.py."""
 

@@ -1,18 +1,14 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""The real gnuplot draws from the files of gravlex-script what gravlex draws: test_replay.py
-PROGRAM. There is no display, so pictures of the screen are drawn as images as well."""
+"""The real gnuplot draws from the files of gravlex-script what gravlex draws. There is no display, so pictures of the screen are drawn as images as well."""
 
 import re
-import shutil
 import subprocess
-import sys
+import unittest
 
-import script_runs
-from script_runs import CCL4, ONE_PLOT, ROOT, ScriptTest
+from script_runs import ONE_PLOT, ScriptTest
+import running
+from running import BENZENE, CCL4, PROGRAM
 
-BENZENE = ROOT / "examples" / "benzene.out"
-PIPE_LINE = b"Unable to close GnuPlot pipe.\n"
 # The head of an EPS image tells when it was made.
 DATE = re.compile(rb"(?m)^%%CreationDate.*$|^ */CreationDate.*$")
 
@@ -29,7 +25,7 @@ class Replay(ScriptTest):
     def pixels(self, path):
         """What the image shows, as a checksum of all its pixels and its size."""
         show = subprocess.run(["identify", "-format", "%# %w %h %k", path], check=True, text=True,
-                              timeout=script_runs.TIME_LIMIT, stdout=subprocess.PIPE)
+                              timeout=running.TIME_LIMIT, stdout=subprocess.PIPE)
         checksum, width, height, colors = show.stdout.split()
         self.assertGreater(int(colors), 2, f"{path.name} is blank")
         return checksum, width, height
@@ -47,8 +43,8 @@ class Replay(ScriptTest):
 
     def check(self, *arguments, images, files=("gravlex.gp",), options=()):
         """Draws with gravlex, keeps the commands, draws from them and compares."""
-        _, err = self.run_script(*arguments, command=[script_runs.PROGRAM], cwd=self.drawn)
-        self.assertIn(err, [n * PIPE_LINE for n in range(len(files) + 1)])
+        _, err = self.run_script(*arguments, command=[PROGRAM], cwd=self.drawn)
+        self.assertIn(err, [n * running.PIPE_LINE.encode() for n in range(len(files) + 1)])
         self.run_script(*options, *arguments)
         self.assertEqual(self.files(), sorted(files))
         for name in files:
@@ -115,7 +111,5 @@ class Replay(ScriptTest):
 
 
 if __name__ == "__main__":
-    missing = [name for name in ("gnuplot", "identify") if not shutil.which(name)]
-    if missing:
-        sys.exit("missing: " + ", ".join(missing))
-    script_runs.main()
+    running.require("gnuplot", "identify")
+    unittest.main()

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """The fast ways are taken where they can be: instructions of runs that differ in one thing only.
 
@@ -6,19 +5,16 @@ Valgrind counts the same on every machine, however busy it is, so that this is n
 script/bench has the seconds.
 """
 
-import argparse
 import math
-import os
-import pathlib
 import re
-import shutil
-import subprocess
 import sys
-import tempfile
 import unittest
 
+sys.path.append(f"{sys.path[0]}/..")
+import running
+
+COUNT = ("--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null")
 ROWS = 100
-SWALLOW = "#!/bin/sh\nexec cat > /dev/null\n"
 
 
 def table(sets):
@@ -39,18 +35,14 @@ def data_set(abscissa=0, number="{:.7f}", factor=1.0):
 
 
 def instructions(sets, *arguments):
-    with tempfile.TemporaryDirectory(prefix="gravlex-effort-") as name:
-        folder = pathlib.Path(name)
-        (folder / "input.out").write_text(table(sets))
-        (folder / "gnuplot").write_text(SWALLOW)
-        (folder / "gnuplot").chmod(0o755)
-        subprocess.run(
-            ["valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null",
-             "--log-file=log", PROGRAM, "--data", "tsms", *arguments, "input.out"],
-            cwd=folder, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-            env=os.environ | {"PATH": f"{folder}:{os.environ['PATH']}"})
-        log = (folder / "log").read_text()
-        return int(re.search(r"I *refs: *([0-9,]+)", log)[1].replace(",", ""))
+    logs = []
+    result = running.run(
+        ["valgrind", *COUNT, "--log-file=log", running.PROGRAM, "--data", "tsms", *arguments,
+         "input.out"], {"input.out": table(sets)},
+        afterwards=lambda folder: logs.append((folder / "work" / "log").read_text()))
+    if result.status != 0:
+        raise AssertionError(result)
+    return int(re.search(r"I *refs: *([0-9,]+)", logs[0])[1].replace(",", ""))
 
 
 class Effort(unittest.TestCase):
@@ -86,15 +78,6 @@ class Effort(unittest.TestCase):
         self.assertLess(self.ratio((two,), (three,)), 0.93)
 
 
-PROGRAM = None
-
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--program", required=True, type=os.path.abspath)
-    PROGRAM = parser.parse_args().program
-    if not shutil.which("valgrind") or subprocess.run(
-            ["valgrind", "--tool=cachegrind", "--cachegrind-out-file=/dev/null", "true"],
-            check=False, capture_output=True).returncode:
-        print("valgrind is missing or does not run here")
-        sys.exit(77)
-    unittest.main(argv=[sys.argv[0], "--verbose"])
+    running.skip_unless_it_runs("valgrind", *COUNT, "true")
+    unittest.main(verbosity=2)
