@@ -46,7 +46,7 @@ def run(command, folder, display=None):
     """
     env = running.environment(folder, PATH=f"{PROGRAM.parent}:{os.environ['PATH']}")
     if display:
-        env["DISPLAY"] = display["name"]
+        env |= {"DISPLAY": display["name"], "XDG_RUNTIME_DIR": str(folder)}
     with open(folder / "stdout", "w+b") as out, open(folder / "stderr", "w+b") as err:
         process = running.start(command, shell=isinstance(command, str), cwd=folder, env=env,
                                 stdout=out, stderr=err)
