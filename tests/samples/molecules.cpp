@@ -19,31 +19,11 @@ static const element_t ELEMENTS[] = {
      {2.657506, 1.078079, 1.490909, -4.241070, 0.713791},
      4.297983,
      {14.780758, 0.776775, 42.086842, -0.000294, 0.239535}},
-    {"N",
-     7,
-     {11.893780, 3.277479, 1.858092, 0.858927, 0.912985},
-     -11.804902,
-     {0.000158, 10.232723, 30.344690, 0.656065, 0.217287}},
-    {"O",
-     8,
-     {2.960427, 2.508818, 0.637853, 0.722838, 1.142756},
-     0.027014,
-     {14.182259, 5.936858, 0.112726, 34.958481, 0.390240}},
-    {"F",
-     9,
-     {3.511943, 2.772244, 0.678385, 0.915159, 1.089261},
-     0.032557,
-     {10.687859, 4.380466, 0.093982, 27.255203, 0.313066}},
     {"P",
      15,
      {1.950541, 4.146930, 1.494560, 1.522042, 5.729711},
      0.155233,
      {0.908139, 27.044952, 0.071280, 67.520187, 1.981173}},
-    {"S",
-     16,
-     {6.372157, 5.154568, 1.473732, 1.635073, 1.209372},
-     0.154722,
-     {1.514347, 22.092527, 0.061373, 55.445175, 0.646925}},
     {"Cl",
      17,
      {1.446071, 6.870609, 6.151801, 1.750347, 0.634168},
@@ -66,15 +46,6 @@ static const molecule_t MOLECULES[] = {
      {{"C", 1}, {"Cl", 4}},
      {{"C", "Cl", true, 4, 1.767, 0.0528, PUBLISHED, COMPUTED},
       {"Cl", "Cl", false, 6, 2.886, 0.0681, PUBLISHED, COMPUTED}}},
-    {"CF4",
-     {{"C", 1}, {"F", 4}},
-     {{"C", "F", true, 4, 1.319, 0.0433, PUBLISHED, COMPUTED},
-      {"F", "F", false, 6, 2.154, 0.0540, PUBLISHED, COMPUTED}}},
-    {"SF6",
-     {{"S", 1}, {"F", 6}},
-     {{"S", "F", true, 6, 1.561, 0.0418, PUBLISHED, COMPUTED},
-      {"F", "F", false, 12, 2.208, 0.0605, PUBLISHED, COMPUTED},
-      {"F", "F", false, 3, 3.122, 0.0531, PUBLISHED, COMPUTED}}},
     {"benzene",
      {{"C", 6}, {"H", 6}},
      {{"C", "C", true, 6, 1.3969, 0.0456, KIMURA, KIMURA},
@@ -139,14 +110,4 @@ double molecular_scattering(const molecule_t& molecule, double s) {
 
 double reduced_scattering(const molecule_t& molecule, double s) {
     return s * molecular_scattering(molecule, s) / atomic_scattering(molecule, s);
-}
-
-// f(r) = sum sM(s) sin(s r) exp(-0.002 s^2) ds; the damping hides that the curve is cut off.
-double radial_distribution(const std::vector<sms_point_t>& curve, double r) {
-    if (curve.size() < 2)
-        return 0.0;
-    double sum = 0.0;
-    for (const sms_point_t& p : curve)
-        sum += p.sms * std::sin(p.s * r) * std::exp(-0.002 * p.s * p.s);
-    return sum * (curve[1].s - curve[0].s);
 }

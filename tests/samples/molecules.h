@@ -43,12 +43,6 @@ struct molecule_t {
     std::vector<pair_t> pairs;
 };
 
-// One point of a curve sM(s).
-struct sms_point_t {
-    double s;
-    double sms;
-};
-
 // The entry of that symbol or name; ends the program with status 1 when there is none.
 const element_t& find_element(const char* symbol);
 const molecule_t& find_molecule(const char* name);
@@ -64,6 +58,3 @@ double molecular_scattering(const molecule_t& molecule, double s);
 
 // sM(s) = s I_mol / I_at.
 double reduced_scattering(const molecule_t& molecule, double s);
-
-// Radial distribution f(r) of a curve given at equal steps of s.
-double radial_distribution(const std::vector<sms_point_t>& curve, double r);

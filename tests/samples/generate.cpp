@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // generate OUTDIR: writes the sample inputs ccl4.out, benzene.out and r_values.out. Their curves
-// are computed, not measured: for demonstration only. The bytes are the same on every machine.
+// are computed, not measured: for demonstration only. The bytes are the same on every machine, and
+// a test compares them with those of examples/: after a change, write them again and commit both.
+//
+// molecules.cpp holds the numbers and the scattering formulas, curves.cpp makes data sets of them,
+// tables.cpp and log.cpp write a file's tables and the text around them; here stands which files
+// there are.
 
 #include <cstdio>
 #include <filesystem>
