@@ -51,11 +51,6 @@ static shift_t shift_of(const column_t& x, const column_t& y, double direction) 
 
 // ---- Adding and emptying -----------------------------------------------------------------------
 
-TEST_F(CurveBuffer, is_empty_at_the_start) {
-    EXPECT_EQ(buf, nullptr);
-    EXPECT_EQ(Nbuf, 0);
-}
-
 TEST_F(CurveBuffer, holds_copies_with_the_shift_added) {
     column_t x = {1, 2, 4}, y = {10, 20, 30};
     add(x, y, 0.5);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,8 +9,6 @@
 #include "state.h"
 
 using Gnuplot = Fresh;
-
-// ---- The process -------------------------------------------------------------------------------
 
 // Runs a call with a script as the only gnuplot on the path.
 static ended_t with_gnuplot(const std::string& script, const act_t& act) {
@@ -30,47 +27,6 @@ static ended_t with_gnuplot(const std::string& script, const act_t& act) {
     unlink(program.c_str());
     rmdir(folder.c_str());
     return ended;
-}
-
-TEST_F(Gnuplot, gets_its_option_and_every_byte) {
-    const ended_t ended = with_gnuplot("echo $# \"$@\"\ncat\n", [] {
-        say("before ");
-        gnuplot_start();
-        std::fprintf(f, "plot \305\n");
-        gnuplot_close();
-        EXPECT_EQ(f, nullptr);
-        say("after\n");
-    });
-    EXPECT_TRUE(ended_with(ended, 0, "before 1 -persist\nplot \305\nafter\n", ""));
-}
-
-TEST_F(Gnuplot, is_waited_for) {
-    const ended_t ended = with_gnuplot("cat\nsleep 0.2\necho ready\n", [] {
-        gnuplot_start();
-        gnuplot_close();
-        say("closed\n");
-    });
-    EXPECT_TRUE(ended_with(ended, 0, "ready\nclosed\n", ""));
-}
-
-TEST_F(Gnuplot, that_fails_is_reported_and_changes_nothing) {
-    const ended_t ended = with_gnuplot("cat\nexit 3\n", [] {
-        gnuplot_start();
-        gnuplot_close();
-        say("goes on\n");
-    });
-    EXPECT_TRUE(ended_with(ended, 0, "goes on\n", "Unable to close GnuPlot pipe.\n"));
-}
-
-TEST_F(Gnuplot, that_leaves_at_once_does_not_kill_the_run) {
-    const ended_t ended = with_gnuplot("exec <&-\nsleep 0.1\n", [] {
-        gnuplot_start();
-        for (int i = 0; i < 100000; i++)
-            std::fprintf(f, "0123456789\n");
-        gnuplot_close();
-        say("goes on\n");
-    });
-    EXPECT_TRUE(ended_with(ended, 0, "goes on\n", "Unable to close GnuPlot pipe.\n"));
 }
 
 // Sends so much that gnuplot must have taken some of it, and ends.
@@ -110,26 +66,4 @@ TEST_F(Gnuplot, has_the_terminal_to_itself) {
         ended_with(with_terminal(name, nullptr), 0, "'none' for us\ndumb size 120,40\n", ""));
     EXPECT_TRUE(ended_with(with_terminal(name, ""), 0, "'' for us\ndumb size 120,40\n", ""));
     EXPECT_TRUE(ended_with(with_terminal(name, "x11"), 0, "'x11' for us\nx11\n", ""));
-}
-
-// A sanitizer needs descriptors of its own when the process ends.
-static void allow_descriptors() {
-    rlimit limit;
-    getrlimit(RLIMIT_NOFILE, &limit);
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
-}
-
-TEST_F(Gnuplot, that_cannot_be_started_ends_the_run) {
-    const ended_t ended = in_child([] {
-        rlimit limit;
-        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-        limit.rlim_cur = 3;  // none is left for the pipe
-        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-        std::atexit(allow_descriptors);
-        say("before\n");
-        gnuplot_start();
-    });
-    EXPECT_TRUE(
-        ended_with(ended, 1, "before\nCannot connect to gnuplot pipe: Too many open files\n", ""));
 }

@@ -7,19 +7,6 @@
 
 using Store = Fresh;
 
-TEST_F(Store, is_empty_at_the_start) {
-    EXPECT_EQ(Ncols, 0);
-    EXPECT_EQ(NcolsToPlot, 0);
-    EXPECT_EQ(Ncurves, 0);
-    EXPECT_EQ(Curve, nullptr);
-    EXPECT_EQ(Npts, nullptr);
-    EXPECT_EQ(CurveNd, nullptr);
-    EXPECT_EQ(CurveNc, nullptr);
-    EXPECT_EQ(CurveScaleFactor, nullptr);
-    EXPECT_EQ(CurveShift, nullptr);
-    EXPECT_EQ(CurvePlotGroup, nullptr);
-}
-
 TEST_F(Store, clear_columns_forgets_all_of_them) {
     Ncols = NcolsToPlot = MAX_COLS;
     for (int* array : {ColType, TypePos, PlotColType, PlotTypePos})
