@@ -6,6 +6,7 @@ import unittest
 from pathlib import Path
 
 import program
+from terminal import Shell
 
 STYLES = {str(number) for number in range(1, 5)}
 POINTS = {str(number) for number in range(16)}
@@ -31,8 +32,6 @@ class Completion(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        if cls is Completion:
-            raise unittest.SkipTest("the checks alone")
         cls.folder = tempfile.TemporaryDirectory()
         for name in ("fit.png", "result.out", "with blank.out"):
             (Path(cls.folder.name) / name).touch()
@@ -91,3 +90,25 @@ class Completion(unittest.TestCase):
         for line in ("gravlex --imgw ", "gravlex -t ", "gravlex --curves ", "gravlex --xmin="):
             with self.subTest(line):
                 self.assertEqual(self.completed(line + "fi"), line + "fi")
+
+
+class OnTerminal(Completion):
+    """For a shell that has to be asked by pressing keys: its command line, and what sets it up so
+    that control-g shows the line and clears it."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.shell = Shell(cls.command, cls.folder.name, {"PS1": ""})
+        cls.shell.press(cls.setup)
+        cls.shell.press("echo se''t up\n")
+        cls.shell.read_until(r"(?s)set up\n.*ready> ")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.shell.close()
+        super().tearDownClass()
+
+    def completed(self, line):
+        self.shell.press(f"{line}\t\x07")
+        return self.shell.read_until("<(.*)>\n")[1]

@@ -7,7 +7,6 @@ import unittest
 
 import expected
 import program
-from terminal import Shell
 
 FILE = program.ROOT / "completions/gravlex.bash"
 
@@ -36,19 +35,9 @@ def split(line):
     return words + [""] if line.endswith(" ") else words
 
 
-class Bash(expected.Completion):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.shell = Shell(["bash", "--norc", "--noprofile", "-i"], cls.folder.name, {"PS1": ""})
-        cls.shell.press(f"source {shlex.quote(str(FILE))}{SETUP}")
-        cls.shell.press("echo se''t up\n")
-        cls.shell.read_until(r"(?s)set up\n.*ready> ")
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.shell.close()
-        super().tearDownClass()
+class Bash(expected.OnTerminal):
+    command = ["bash", "--norc", "--noprofile", "-i"]
+    setup = f"source {shlex.quote(str(FILE))}{SETUP}"
 
     def offers(self, line):
         run = subprocess.run(["bash", "-c", CALL, "bash", FILE, *split(line)],
@@ -59,10 +48,6 @@ class Bash(expected.Completion):
             word, _, text = reply.partition(" ")
             found[re.sub(r".*,", "", word).replace("\\", "")] = text.strip()[1:-1]
         return found
-
-    def completed(self, line):
-        self.shell.press(f"{line}\t\x07")
-        return self.shell.read_until("<(.*)>\n")[1]
 
     def test_texts_only_in_lists(self):
         self.assertEqual(self.completed("gravlex --smser"), "gravlex --smserr")

@@ -6,10 +6,9 @@ import unittest
 
 import expected
 import program
-from terminal import Shell
 
-# Control-g shows the line and clears it, control-n does so after the list. That must be one key:
-# zsh lists nothing while others wait.
+# Control-n does as control-g does, after the list. That must be one key: zsh lists nothing while
+# others wait.
 SETUP = r"""
 PS1='ready> ' PROMPT_EOL_MARK='' LISTMAX=1000
 fpath=({completions} $fpath)
@@ -30,29 +29,14 @@ unset zle_bracketed_paste
 """
 
 
-class Zsh(expected.Completion):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.shell = Shell(["zsh", "-f", "-i"], cls.folder.name, {"PS1": ""})
-        completions = shlex.quote(str(program.ROOT / "completions"))
-        cls.shell.press(SETUP.format(completions=completions))
-        cls.shell.press("echo se''t up\n")
-        cls.shell.read_until(r"(?s)set up\n.*ready> ")
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.shell.close()
-        super().tearDownClass()
+class Zsh(expected.OnTerminal):
+    command = ["zsh", "-f", "-i"]
+    setup = SETUP.format(completions=shlex.quote(str(program.ROOT / "completions")))
 
     def offers(self, line):
         self.shell.press(f"{line}\x0e")
         screen = self.shell.read_until(r"(?s)(.*)\n<.*>\n")[1]
         return dict(re.findall(r"^(\S+) +## (.*?) *$", screen, re.M))
-
-    def completed(self, line):
-        self.shell.press(f"{line}\t\x07")
-        return self.shell.read_until("<(.*)>\n")[1]
 
 
 if __name__ == "__main__":
