@@ -6,13 +6,13 @@ include(GNUInstallDirs)
 set(data_dir ${CMAKE_INSTALL_DATADIR})
 set(doc_dir ${CMAKE_INSTALL_DOCDIR})
 set(man_dir ${CMAKE_INSTALL_MANDIR}/man1)
+set(completions ${CMAKE_BINARY_DIR}/completions)
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME gravlex)
 
 install(TARGETS gravlex RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(PROGRAMS src/script/gravlex-script DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES completions/gravlex.bash DESTINATION ${data_dir}/bash-completion/completions
-        RENAME gravlex)
-install(FILES completions/gravlex.fish DESTINATION ${data_dir}/fish/vendor_completions.d)
+install(DIRECTORY ${completions}/bash/ DESTINATION ${data_dir}/bash-completion/completions)
+install(DIRECTORY ${completions}/fish/ DESTINATION ${data_dir}/fish/vendor_completions.d)
 install(FILES examples/README.md examples/ccl4.out examples/benzene.out examples/r_values.out
         DESTINATION ${doc_dir}/examples)
 install(FILES README.md SECURITY.md CITATION.cff docs/file-format.md DESTINATION ${doc_dir})
@@ -35,10 +35,10 @@ install_compressed(man/gravlex-script.1 gravlex-script.1 DESTINATION ${man_dir})
 install_compressed(CHANGELOG.md changelog DESTINATION ${doc_dir})
 
 # Debian's zsh searches this folder below /usr/local, and another one below /usr.
-install(FILES completions/_gravlex DESTINATION ${data_dir}/zsh/site-functions COMPONENT local)
+install(DIRECTORY ${completions}/zsh/ DESTINATION ${data_dir}/zsh/site-functions COMPONENT local)
 install(FILES LICENSE DESTINATION ${doc_dir} COMPONENT local)
 
-install(FILES completions/_gravlex DESTINATION ${data_dir}/zsh/vendor-completions
+install(DIRECTORY ${completions}/zsh/ DESTINATION ${data_dir}/zsh/vendor-completions
         COMPONENT debian EXCLUDE_FROM_ALL)
 install(FILES cmake/debian/copyright DESTINATION ${doc_dir} COMPONENT debian EXCLUDE_FROM_ALL)
 install(FILES cmake/debian/lintian-overrides DESTINATION ${data_dir}/lintian/overrides

@@ -1,24 +1,30 @@
 # SPDX-License-Identifier: MIT
 """What every completion has to offer."""
-import re
 import tempfile
 import unittest
 from pathlib import Path
 
-import program
+from listed import LIST, Listed
 from terminal import Shell
 
-STYLES = {str(number) for number in range(1, 5)}
+# Beside the programs that there are one that uses whatever the list can say.
+LISTED = Listed(LIST + """
+[programs]
+gravlex-sample  inputfile...  --png
+    --table
+
+[options gravlex-sample]
+--name  -n  N-M=TEXT...  Name of a data set
+
+[options gravlex-script gravlex-sample]
+--share  -  -  Don't keep it
+""")
+MADE = tempfile.TemporaryDirectory()  # until the end of the test
+LISTED.generate(Path(MADE.name))
+WORDS = LISTED.words("kinds")
+REMOVALS = {f"!{word}": f"Not: {name}" for word, name in WORDS.items() if word != "all"}
+STYLES = {"1": "lines", "2": "points", "3": "lines with points", "4": "special"}
 POINTS = {str(number) for number in range(16)}
-KINDS = {word: name for word, (name, _) in program.kind_words().items()}
-WORDS = KINDS | {"all": "Every kind but lint and lbgl"}
-REMOVALS = {f"!{word}": f"Not: {name}" for word, name in KINDS.items()}
-
-
-def option_texts():
-    """Every spelling of every option with its help text; the list of kinds in it is for --help."""
-    return {spelling: re.sub(r" \(int,.*\)", "", option.text)
-            for option in program.options() for spelling in option.spellings}
 
 
 def without(words, *names):
@@ -42,12 +48,17 @@ class Completion(unittest.TestCase):
         cls.folder.cleanup()
 
     def test_options(self):
-        self.assertEqual(self.offers("gravlex -"), option_texts())
+        for name in LISTED.refused:
+            with self.subTest(name):
+                self.assertEqual(self.offers(f"{name} -"), LISTED.texts(name))
 
     def test_options_behind_the_file(self):
-        long_options = {word: text for word, text in option_texts().items()
+        long_options = {word: text for word, text in LISTED.texts("gravlex").items()
                         if word.startswith("--sms")}
         self.assertEqual(self.offers("gravlex result.out --sms"), long_options)
+
+    def test_options_again(self):
+        self.assertIn("--name", self.offers("gravlex-sample --name 1-1=a result.out --na"))
 
     def test_kind_words(self):
         for option in ("--data ", "--dread ", "--dcombine ", "-d ", "--data=", "--dread="):
@@ -65,8 +76,9 @@ class Completion(unittest.TestCase):
         offered = self.offers("gravlex --data=all,lint,")
         self.assertEqual(offered, without(WORDS, "all", "lint") | REMOVALS)
 
-    def test_styles_and_points(self):
-        self.assertEqual(set(self.offers("gravlex --style_sms ")), STYLES)
+    def test_plain_words(self):
+        self.assertEqual(self.offers("gravlex --term "), LISTED.words("terminal"))
+        self.assertEqual(self.offers("gravlex --style_sms "), STYLES)
         self.assertEqual(set(self.offers("gravlex --ptype_sms ")), POINTS)
         self.assertEqual(set(self.offers("gravlex --ptype_sms=1")),
                          {point for point in POINTS if point.startswith("1")})
@@ -81,13 +93,17 @@ class Completion(unittest.TestCase):
         self.assertEqual(self.completed("gravlex --grid res"), "gravlex --grid result.out ")
         self.assertEqual(self.completed("gravlex with"), r"gravlex with\ blank.out ")
         self.assertEqual(self.completed("gravlex --data sms res"), "gravlex --data sms result.out ")
+        self.assertEqual(self.completed("gravlex-script -o fi"), "gravlex-script -o fit.png ")
+        self.assertEqual(self.completed("gravlex-sample result.out fi"),
+                         "gravlex-sample result.out fit.png ")
         for image in ("--png", "--eps", "--svg"):
             self.assertEqual(self.completed(f"gravlex {image} fi"), f"gravlex {image} fit.png ")
             self.assertEqual(self.completed(f"gravlex {image}=fi"), f"gravlex {image}=fit.png ")
             self.assertEqual(self.completed(f"gravlex {image} sub"), f"gravlex {image} subfolder/")
 
     def test_no_file_names(self):
-        for line in ("gravlex --imgw ", "gravlex -t ", "gravlex --curves ", "gravlex --xmin="):
+        for line in ("gravlex --imgw ", "gravlex -t ", "gravlex --curves ", "gravlex --xmin=",
+                     "gravlex-sample -n "):
             with self.subTest(line):
                 self.assertEqual(self.completed(line + "fi"), line + "fi")
 

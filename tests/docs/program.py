@@ -34,39 +34,28 @@ def joined(strings):
 
 
 class Option:
-    def __init__(self, name, short, variable, text, label):
-        self.name, self.short, self.variable = name, short, variable
-        self.text, self.label = text, label
-        self.spellings = {f"--{name}"} | ({f"-{short}"} if short else set())
+    """Without a name, a short one or an argument these are empty."""
+
+    def __init__(self, name, short, label, text):
+        self.name, self.short, self.label, self.text = name, short, label, text
+        self.spellings = frozenset([f"--{name}"] * bool(name) + [f"-{short}"] * bool(short))
 
     def default(self):
         """The initial value of the option's variable if it is one number, else None."""
-        match = re.search(rf"\b{self.variable} = (-?[\d.]+)[,;]", source("run/options.cpp"))
-        return float(match[1]) if match and self.variable else None
+        text = source("run/options.cpp")
+        variable = re.search(rf'\{{"{self.name}",[^"]*&(\w+)', text)
+        match = variable and re.search(rf"\b{variable[1]} = (-?[\d.]+)[,;]", text)
+        return float(match[1]) if match else None
 
 
-def options():
-    """The option table, with popt's own two options."""
-    row = re.compile(
-        rf"""\{{"(?P<name>[\w-]+)",\s*(?:'(?P<short>\w)'|'\\0'),\s*POPT_ARG_\w+,\s*
-             (?:&(?P<variable>\w+)|nullptr),\s*\w+,\s*
-             (?P<text>{STRINGS}),\s*(?:"(?P<label>\w+)"|nullptr)\}}""", re.X)
-    table = source("run/options.cpp").partition("optionsTable[] = {")[2]
-    table, _, _ = table.partition("POPT_AUTOHELP")
-    found = [Option(m["name"], m["short"], m["variable"], joined(m["text"]), m["label"])
-             for m in row.finditer(table)]
-    assert len(found) == len(re.findall(r'\{"', table)), "an option row could not be parsed"
-    return found + [Option("help", "?", None, "Show this help message", None),
-                    Option("usage", None, None, "Display brief usage message", None)]
-
-
-def help_options():
-    """Spellings and argument label of each option of --help."""
-    run = subprocess.run([PROGRAM, "--help"], capture_output=True, text=True, check=True)
-    lines = re.findall(r"^  (?:-(\S), |    )--([\w-]+)(?:=(\w+))?", run.stdout, re.M)
-    assert lines, run.stdout
-    return {(f"--{name}", f"-{short}" if short else None, label or None)
-            for short, name, label in lines}
+def options(path=PROGRAM):
+    """The options as a program shows them."""
+    run = subprocess.run([path, "--help"], capture_output=True, text=True, check=True)
+    rows = re.findall(r"^  (?:-(\S), |    )--([\w-]+)(?:=(\S+))?(.*(?:\n {12,}.*)*)", run.stdout,
+                      re.M)
+    assert rows, run.stdout
+    return [Option(name, short, label, " ".join(text.split()))
+            for short, name, label, text in rows]
 
 
 def kind_words():

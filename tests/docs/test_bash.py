@@ -6,9 +6,9 @@ import subprocess
 import unittest
 
 import expected
-import program
 
-FILE = program.ROOT / "completions/gravlex.bash"
+# Found by the name of the program.
+FILE = f"{expected.MADE.name}/bash/gravlex-script"
 
 # Calls the function as bash does when tab is pressed for the second time.
 CALL = r"""
@@ -16,7 +16,7 @@ source "$1"
 shift
 compopt() { :; }
 COLUMNS=200 COMP_TYPE=63 COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
-_gravlex gravlex
+_gravlex "$1"
 printf '%s\n' "${COMPREPLY[@]}"
 """
 
@@ -37,7 +37,7 @@ def split(line):
 
 class Bash(expected.OnTerminal):
     command = ["bash", "--norc", "--noprofile", "-i"]
-    setup = f"source {shlex.quote(str(FILE))}{SETUP}"
+    setup = f"source {shlex.quote(FILE)}{SETUP}"
 
     def offers(self, line):
         run = subprocess.run(["bash", "-c", CALL, "bash", FILE, *split(line)],
@@ -48,6 +48,14 @@ class Bash(expected.OnTerminal):
             word, _, text = reply.partition(" ")
             found[re.sub(r".*,", "", word).replace("\\", "")] = text.strip()[1:-1]
         return found
+
+    def test_other_names(self):
+        script = expected.LISTED.texts("gravlex-script")
+        self.assertEqual(self.offers("/usr/bin/gravlex-script -"), script)
+        self.assertEqual(self.offers("g -"), expected.LISTED.texts("gravlex"))
+
+    def test_no_file_names_for_kinds(self):
+        self.assertEqual(self.completed("gravlex --data fi"), "gravlex --data fi")
 
     def test_texts_only_in_lists(self):
         self.assertEqual(self.completed("gravlex --smser"), "gravlex --smserr")

@@ -4,16 +4,20 @@ import subprocess
 import unittest
 
 import expected
-import program
 
-FILE = program.ROOT / "completions/gravlex.fish"
+# fish finds the file by the name of a program that there is.
+COMPLETE = """
+set fish_complete_path $argv[1]
+function (string split -f 1 " " $argv[2]); end
+complete -C $argv[2]
+"""
 
 
 class Fish(expected.Completion):
     def answers(self, line):
         """The words that can take the place of the last word, whole, with their texts."""
         run = subprocess.run(
-            ["fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]", FILE, line],
+            ["fish", "--no-config", "-c", COMPLETE, f"{expected.MADE.name}/fish", line],
             cwd=self.folder.name, capture_output=True, text=True, check=True)
         self.assertEqual(run.stderr, "")
         answers = [answer.partition("\t") for answer in run.stdout.splitlines()]

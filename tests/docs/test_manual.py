@@ -18,7 +18,7 @@ def option_heads():
     for heads, body in PAGE.items_of("OPTIONS"):
         for head in heads:
             match = re.fullmatch(r"(?:(-\S), )?(--[\w-]+)(?:=(\w+))?", plain(head))
-            yield (match[2], match[1], match[3]), body
+            yield (match[2], match[1] or "", match[3] or ""), body
 
 
 def matches(message, head):
@@ -33,11 +33,8 @@ class Manual(unittest.TestCase):
         self.assertEqual(manual.lint(PATH), [])
 
     def test_options(self):
-        table = {(f"--{o.name}", f"-{o.short}" if o.short else None, o.label)
-                 for o in program.options()}
-        described = {head for head, _ in option_heads()}
-        self.assertEqual(described, table)
-        self.assertEqual(described, program.help_options())
+        shown = {(f"--{o.name}", o.short and f"-{o.short}", o.label) for o in program.options()}
+        self.assertEqual({head for head, _ in option_heads()}, shown)
 
     def test_defaults(self):
         bodies = {head[0]: body for head, body in option_heads()}

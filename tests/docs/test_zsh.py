@@ -5,7 +5,6 @@ import shlex
 import unittest
 
 import expected
-import program
 
 # Control-n does as control-g does, after the list. That must be one key: zsh lists nothing while
 # others wait.
@@ -31,12 +30,16 @@ unset zle_bracketed_paste
 
 class Zsh(expected.OnTerminal):
     command = ["zsh", "-f", "-i"]
-    setup = SETUP.format(completions=shlex.quote(str(program.ROOT / "completions")))
+    setup = SETUP.format(completions=shlex.quote(f"{expected.MADE.name}/zsh"))
 
     def offers(self, line):
         self.shell.press(f"{line}\x0e")
         screen = self.shell.read_until(r"(?s)(.*)\n<.*>\n")[1]
         return dict(re.findall(r"^(\S+) +## (.*?) *$", screen, re.M))
+
+    def test_nothing_else(self):
+        self.assertEqual(self.offers("gravlex --help --gr"), {})
+        self.assertEqual(self.offers("gravlex --dread sms -d"), {})
 
 
 if __name__ == "__main__":
