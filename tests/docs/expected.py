@@ -23,7 +23,7 @@ MADE = tempfile.TemporaryDirectory()  # until the end of the test
 LISTED.generate(Path(MADE.name))
 WORDS = LISTED.words("kinds")
 REMOVALS = {f"!{word}": f"Not: {name}" for word, name in WORDS.items() if word != "all"}
-STYLES = {"1": "lines", "2": "points", "3": "lines with points", "4": "special"}
+STYLES = {"1": "lines", "2": "points", "3": "lines with points"}
 POINTS = {str(number) for number in range(16)}
 
 
