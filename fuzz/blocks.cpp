@@ -38,7 +38,7 @@ static column_t take_abscissa(bytes_t* bytes, const column_t& before) {
 
 static void check_block(bytes_t* bytes, const column_t& x, std::string* expected) {
     const bool has_two = take_below(bytes, 2) == 1;
-    begin_rows(x.data(), static_cast<int>(x.size()));
+    begin_rows({}, x.data(), static_cast<int>(x.size()));
     for (const double s : x) {
         const double y = take_number(bytes);
         if (has_two) {

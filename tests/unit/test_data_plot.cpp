@@ -76,7 +76,9 @@ TEST_F(DataPlot, each_plot_is_settings_command_and_data) {
     MultiPlot = 0;
     CurCurvesGroupToPlot = 1;
     CurDataGroupToPlot = 1;
-    const std::string settings = sent([] { write_settings({1, 1}, 0.0, 2.0); });
+    const std::string settings = sent([] {
+        write_settings({1, 1}, plot_ranges({1, 1}, 0.0, 2.0));
+    });
     const std::string command = sent([] { write_plot_command({1, 1}); });
     const std::string data = sent([] { write_data_blocks({1, 1}); });
     EXPECT_EQ(plotted(1).stream, settings + command + data);

@@ -109,7 +109,7 @@ TEST_F(RowsWritten, ties_at_the_last_decimal_are_rounded_like_printf_rounds_them
 // ---- Blocks ------------------------------------------------------------------------------------
 
 static void write_block(const column_t& x, double y) {
-    begin_rows(x.data(), static_cast<int>(x.size()));
+    begin_rows({}, x.data(), static_cast<int>(x.size()));
     for (std::size_t k = 0; k < x.size(); k++)
         write_row(y + static_cast<double>(k));
     end_rows();
@@ -125,7 +125,7 @@ static std::string printed_block(const column_t& x, double y) {
 TEST_F(RowsWritten, rows_have_one_or_two_numbers_behind_their_abscissa) {
     EXPECT_EQ(sent([] {
                   const double x[] = {1, 2.5};
-                  begin_rows(x, 2);
+                  begin_rows({}, x, 2);
                   write_row(3);
                   write_row(-4, 5);
                   end_rows();
@@ -136,7 +136,7 @@ TEST_F(RowsWritten, rows_have_one_or_two_numbers_behind_their_abscissa) {
 
 TEST_F(RowsWritten, a_block_may_be_empty) {
     EXPECT_EQ(sent([] {
-                  begin_rows(nullptr, 0);
+                  begin_rows({}, nullptr, 0);
                   end_rows();
                   flush_rows();
               }),
@@ -149,7 +149,7 @@ TEST_F(RowsWritten, empty_blocks_may_be_many) {
         text += "e\n";
     EXPECT_EQ(sent([] {
                   for (int i = 0; i < 100000; i++) {
-                      begin_rows(nullptr, 0);
+                      begin_rows({}, nullptr, 0);
                       end_rows();
                   }
                   flush_rows();

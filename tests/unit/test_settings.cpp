@@ -21,7 +21,7 @@ static void make_store() {
 }
 
 static std::string settings() {
-    return sent([] { write_settings({1, 1}, 2.0, 4.0); });
+    return sent([] { write_settings({1, 1}, plot_ranges({1, 1}, 2.0, 4.0)); });
 }
 
 // The line of the settings that begins so, without its newline; "none" if there is none.
@@ -139,7 +139,7 @@ static void expect_xrange(const std::string& xmin, const std::string& xmax) {
     EXPECT_EQ(line("set xrange"), "set xrange [" + xmin + " : " + xmax + "]");
     f = std::tmpfile();
     EXPECT_EQ(said([] {
-                  write_settings({1, 1}, 2.0, 4.0);
+                  write_settings({1, 1}, plot_ranges({1, 1}, 2.0, 4.0));
               }),
               "xmin=" + xmin + "\nxmax=" + xmax + "\n");
     std::fclose(f);
@@ -286,7 +286,7 @@ TEST_F(PlotSettings, a_column_of_no_kind_ends_the_run_inside_the_label) {
     set_plot_columns({P_GINT_S, P_GINT_INT, 0});
     ColPlotGroup[1] = 1;  // the other column is in no plot, and is looked up all the same
     f = std::tmpfile();
-    const ended_t ended = in_child([] { write_settings({1, 1}, 2.0, 4.0); });
+    const ended_t ended = in_child([] { write_settings({1, 1}, plot_ranges({1, 1}, 2.0, 4.0)); });
     EXPECT_TRUE(ended_with(ended, 1, "xmin=1.900000\nxmax=4.100000\nUnknown data type: 0\n", ""));
     std::string text(5000, '\0');
     text.resize(static_cast<std::size_t>(pread(fileno(f), text.data(), text.size(), 0)));

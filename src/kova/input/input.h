@@ -97,3 +97,10 @@ int read_numbers(const char* line, double (&numbers)[MAX_NUMBERS]);
 // table that is not there leaves the store without data sets.
 void parse_kova_int_tables_ver1(const char* inpFname);
 void parse_kova_int_tables_ver2(const char* inpFname);
+
+// What the readers tell as they meet it, for a program that wants to know; gravlex does not, so
+// all are null at the start.
+extern void (*MetTable)();              // the mark of a table, up to the selected one
+extern void (*MetSet)(int Nd, int Nc);  // a set of the selected table, whether it is read or not
+extern void (*MetHeader)();             // a header row: the columns above are those of it
+extern void (*MetSetEnd)();             // the rule below a set that was read

@@ -77,6 +77,11 @@ static int tableN;
 static int CurNd, CurNc;
 static double ScaleFactor;
 
+void (*MetTable)() = nullptr;
+void (*MetSet)(int Nd, int Nc) = nullptr;
+void (*MetHeader)() = nullptr;
+void (*MetSetEnd)() = nullptr;
+
 static bool has(const char* line, const char* mark) {
     return std::strstr(line, mark) != nullptr;
 }
@@ -92,6 +97,8 @@ static void pass_over_line() {
 // it is the one to be read.
 static bool enter_table() {
     tableN++;
+    if (MetTable != nullptr)
+        MetTable();
     pass_over_line();
     clear_curves();
     return tableN == TableN;
@@ -134,13 +141,17 @@ static void select_columns() {
 static void read_header_row(const char* inpstr) {
     find_columns(inpstr);
     select_columns();
+    if (MetHeader != nullptr)
+        MetHeader();
     if (NcolsToPlot < 2)
         fail(stdout, "Not enough data for plotting.\n");
     pass_over_line();
 }
 
-// True if the set CurNd-CurNc is to be read.
+// To be called when a set is met. True if CurNd-CurNc is to be read.
 static bool is_selected() {
+    if (MetSet != nullptr)
+        MetSet(CurNd, CurNc);
     for (int i = 0; i < NparToRead; i++) {
         if (ParToReadNum1[i] == CurNd && ParToReadNum2[i] == CurNc)
             return true;
@@ -174,6 +185,8 @@ static void read_data_row(const char* inpstr) {
 static void report_set() {
     const int c = Ncurves - 1;
     say("Set # %d has been read. Number of data points: %d \n", c, Npts[c]);
+    if (MetSetEnd != nullptr)
+        MetSetEnd();
 }
 
 // Runs one layout's stages over the lines of the file. The line that meets the end of the file is

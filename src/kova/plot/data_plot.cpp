@@ -13,7 +13,7 @@ static void draw(plot_t plot, int give_commands) {
     if (AutoShifts && !AutoShiftsReady)
         calc_shifts(plot);
     if (give_commands) {
-        write_settings(plot, xMin, xMax);
+        write_settings(plot, plot_ranges(plot, xMin, xMax));
         write_plot_command(plot);
     }
     write_data_blocks(plot);

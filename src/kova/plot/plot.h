@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 
 #include "input/input.h"
 #include "run/run.h"
@@ -93,11 +94,57 @@ extern double YrangeMin, YrangeMax;
 // The first and last s of the curves of a plot, 1e99 and -1e99 if there are none.
 void abscissa_extent(plot_t plot, double* xMin, double* xMax);
 
-// Sends the commands that stand before the plot command; xMin and xMax are the extent above.
-// Prints the x range on standard output.
-void write_settings(plot_t plot, double xMin, double xMax);
+// The axes of a plot: from what data and options ask for, in data units.
+struct ranges_t {
+    double xmin, xmax;
+    double ymin, ymax;
+};
+
+// The ranges of a plot; xMin and xMax are the extent above.
+ranges_t plot_ranges(plot_t plot, double xMin, double xMax);
+
+// Sends the commands that stand before the plot command.
+void write_settings(plot_t plot, const ranges_t& ranges);
+
+// The part of them that sets the axes. Prints the x range on standard output.
+void write_ranges(const ranges_t& ranges);
 
 // ---- Series (series.cpp) -----------------------------------------------------------------------
+
+// How the deviations of an sM(s) column are shown, if they are.
+enum deviation_t {
+    DEV_NONE,
+    DEV_BARS,        // error bars
+    DEV_BAND,        // a band around the curve
+    DEV_LEVEL_BAND,  // a band around the zero line of the curve
+    DEV_HIDDEN,      // the column of the deviations themselves: shown with the others
+};
+
+deviation_t deviation_of(int kind);
+
+// Visits the columns of the plot in drawing order: curve by curve, but experimental sM(s) after
+// all others, so that its points lie on top of the lines. Whoever writes a part of a plot walks
+// this way: gnuplot matches inline data and series by their order alone.
+template <class visitor_t>
+void for_each_series(plot_t plot, visitor_t visit) {
+    for (const bool experimental : {false, true}) {
+        for_each_column(plot, [&](int c, int j) {
+            if ((PlotColType[j] == P_GINT_SMS) == experimental)
+                visit(c, j);
+        });
+    }
+}
+
+// Flag: the data of a series are a block with a name, $sms_1_1, that is written before the plot
+// command. Off in gravlex: they follow it, and '-' stands for them.
+extern int NamedBlocks;
+
+// The name of the block of a series, or of its deviations (of less than 100 characters); "'-'"
+// where blocks have none.
+struct block_name_t {
+    char text[100];
+};
+block_name_t block_name(int c, int j, bool deviations);
 
 // Sends the plot command. A kind with a drawing style that is none ends the run with status 1 and
 // "Invalid plotting style %d for data type %d\n" on standard error.
@@ -115,9 +162,9 @@ constexpr std::size_t NUMBER_SIZE = 320;
 // Writes the text that "%f" stands for, without a NUL. Returns where it ends.
 char* write_number(char* to, double value);
 
-// One block of inline data: begin_rows with the n abscissae, write_row for each of them in order
-// with one or two more numbers, end_rows. flush_rows sends what waits to be sent.
-void begin_rows(const double* x, int n);
+// One block of data: begin_rows with its name and the n abscissae, write_row for each of them in
+// order with one or two more numbers, end_rows. flush_rows sends what waits to be sent.
+void begin_rows(const block_name_t& name, const double* x, int n);
 void write_row(double y);
 void write_row(double y1, double y2);
 void end_rows();

@@ -147,7 +147,21 @@ void flush_rows() {
     RowsSize = 0;
 }
 
-void begin_rows(const double* x, int n) {
+// Where a line of up to ROW_SIZE characters can be written.
+static char* room_for_line() {
+    if (sizeof Rows - RowsSize < ROW_SIZE)
+        flush_rows();
+    return Rows + RowsSize;
+}
+
+static void end_row(char* end) {
+    *end++ = '\n';
+    RowsSize = static_cast<std::size_t>(end - Rows);
+}
+
+void begin_rows(const block_name_t& name, const double* x, int n) {
+    if (NamedBlocks)
+        end_row(stpcpy(stpcpy(room_for_line(), name.text), " << EOD"));
     if (n == 0)
         return;
     const abscissa_t& abscissa = abscissa_of(x, n);
@@ -157,18 +171,11 @@ void begin_rows(const double* x, int n) {
 
 // Where the next row begins, with its abscissa written.
 static char* begin_row() {
-    if (sizeof Rows - RowsSize < ROW_SIZE)
-        flush_rows();
     const std::size_t length = *RowLength++;
-    char* to = Rows + RowsSize;
+    char* to = room_for_line();
     std::memcpy(to, RowText, length);
     RowText += length;
     return to + length;
-}
-
-static void end_row(char* end) {
-    *end++ = '\n';
-    RowsSize = static_cast<std::size_t>(end - Rows);
 }
 
 void write_row(double y) {
@@ -182,8 +189,5 @@ void write_row(double y1, double y2) {
 }
 
 void end_rows() {
-    if (sizeof Rows - RowsSize < ROW_SIZE)
-        flush_rows();
-    Rows[RowsSize] = 'e';
-    end_row(Rows + RowsSize + 1);
+    end_row(stpcpy(room_for_line(), NamedBlocks ? "EOD" : "e"));
 }

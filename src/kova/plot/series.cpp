@@ -1,20 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include <initializer_list>
+#include <cstdlib>
 
 #include "plot/plot.h"
 
-// How the deviations of an sM(s) column are shown, if they are.
-namespace {
-enum deviation_t {
-    DEV_NONE,
-    DEV_BARS,        // error bars
-    DEV_BAND,        // a band around the curve
-    DEV_LEVEL_BAND,  // a band around the zero line of the curve
-    DEV_HIDDEN,      // the column of the deviations themselves: shown with the others
-};
-}  // namespace
-
-static deviation_t deviation_of(int kind) {
+deviation_t deviation_of(int kind) {
     if (kind == P_GINT_SMS)
         return smsErrBars ? DEV_BARS : smsErrFill ? DEV_BAND : DEV_NONE;
     if (kind == P_GINT_DSMS)
@@ -25,17 +14,36 @@ static deviation_t deviation_of(int kind) {
     return kind == P_GINT_SMSS && deviations_shown() ? DEV_HIDDEN : DEV_NONE;
 }
 
-// Visits the columns of the plot in drawing order: curve by curve, but experimental sM(s) after
-// all others, so that its points lie on top of the lines. Plot command and data blocks both walk
-// this way; gnuplot matches them by their order alone.
-template <class visitor_t>
-static void walk(plot_t plot, visitor_t visit) {
-    for (const bool experimental : {false, true}) {
-        for_each_column(plot, [&](int c, int j) {
-            if ((PlotColType[j] == P_GINT_SMS) == experimental)
-                visit(c, j);
-        });
-    }
+int NamedBlocks = 0;
+
+// A number as a part of a name, in which there is no minus.
+static int print_number(char* to, std::size_t room, int number) {
+    return std::snprintf(to, room, "_%s%lld", number < 0 ? "m" : "",
+                         std::llabs(static_cast<long long>(number)));
+}
+
+// How many sets have this label, up to this one: names must differ.
+static int repeats_of_label(int c) {
+    int count = 0;
+    for (int other = 0; other <= c; other++)
+        count += CurveNd[other] == CurveNd[c] && CurveNc[other] == CurveNc[c];
+    return count;
+}
+
+block_name_t block_name(int c, int j, bool deviations) {
+    block_name_t name = {"'-'"};
+    if (!NamedBlocks)
+        return name;
+    char* to = name.text;
+    char* end = to + sizeof name.text;
+    const std::size_t room = sizeof name.text;
+    to += std::snprintf(to, room, "$%s", kind_word(PlotColType[j]));
+    to += print_number(to, static_cast<std::size_t>(end - to), CurveNd[c]);
+    to += print_number(to, static_cast<std::size_t>(end - to), CurveNc[c]);
+    if (repeats_of_label(c) > 1)
+        to += print_number(to, static_cast<std::size_t>(end - to), repeats_of_label(c));
+    std::snprintf(to, static_cast<std::size_t>(end - to), "%s", deviations ? "_dev" : "");
+    return name;
 }
 
 // ---- The plot command --------------------------------------------------------------------------
@@ -79,18 +87,25 @@ static bool has_points(int r) {
     return Type[r].style_type == ST_POINTS || Type[r].style_type == ST_LPOINTS;
 }
 
-// The series that shows the deviations; it stands before the curve's own.
-static void write_deviation_series(int r, deviation_t deviation, const widths_t& widths) {
-    if (deviation == DEV_BARS)
-        std::fprintf(f, "'-' using 1:2:3 notitle with errorbars pt 0 lw %4.1f lc rgb \"%s\", ",
-                     widths.ewf, Type[r].style_color);
-    else if (deviation != DEV_NONE)
-        std::fprintf(f, "'-' using 1:2:3 notitle with filledcurves fillcolor \"%s\", ",
-                     Type[r].style_color);
+// A plot with named blocks is for people to edit: one series a line.
+static const char* series_separator() {
+    return NamedBlocks ? ", \\\n     " : ", ";
 }
 
-static void write_curve_series(int c, int r, const char* style, const widths_t& widths) {
-    std::fprintf(f, "'-' using 1:2 ");
+// The series that shows the deviations; it stands before the curve's own.
+static void write_deviation_series(const block_name_t& name, int r, deviation_t deviation,
+                                   const widths_t& widths) {
+    if (deviation == DEV_BARS)
+        std::fprintf(f, "%s using 1:2:3 notitle with errorbars pt 0 lw %4.1f lc rgb \"%s\"%s",
+                     name.text, widths.ewf, Type[r].style_color, series_separator());
+    else if (deviation != DEV_NONE)
+        std::fprintf(f, "%s using 1:2:3 notitle with filledcurves fillcolor \"%s\"%s", name.text,
+                     Type[r].style_color, series_separator());
+}
+
+static void write_curve_series(const block_name_t& name, int c, int r, const char* style,
+                               const widths_t& widths) {
+    std::fprintf(f, "%s using 1:2 ", name.text);
     if (PlotLegend)
         std::fprintf(f, "title '%s (%d-%d)'", Type[r].name_short, CurveNd[c], CurveNc[c]);
     else
@@ -105,18 +120,19 @@ static void write_curve_series(int c, int r, const char* style, const widths_t& 
 
 void write_plot_command(plot_t plot) {
     const widths_t widths = plot_widths();
+    const char* const behind = series_separator();
     const char* separator = " ";
     std::fprintf(f, "plot ");
-    walk(plot, [&](int c, int j) {
+    for_each_series(plot, [&](int c, int j) {
         const int r = d_idx(PlotColType[j]);
         const char* style = style_word(r);
         const deviation_t deviation = deviation_of(PlotColType[j]);
         if (deviation == DEV_HIDDEN)
             return;
         std::fprintf(f, "%s", separator);
-        separator = ", ";
-        write_deviation_series(r, deviation, widths);
-        write_curve_series(c, r, style, widths);
+        separator = behind;
+        write_deviation_series(block_name(c, j, true), r, deviation, widths);
+        write_curve_series(block_name(c, j, false), c, r, style, widths);
     });
     std::fprintf(f, "\n");
 }
@@ -128,7 +144,7 @@ static void write_deviation_block(int c, int j, deviation_t deviation) {
     const double* d = Curve[c][ColErrIdx[j]];
     const double shift = CurveShift[c][j];
     const int n = d == nullptr ? 0 : column_points(c, j);
-    begin_rows(Curve[c][0], n);
+    begin_rows(block_name(c, j, true), Curve[c][0], n);
     for (int k = 0; k < n; k++) {
         const double level = deviation == DEV_LEVEL_BAND ? shift : y[k] + shift;
         if (deviation == DEV_BARS)
@@ -143,14 +159,14 @@ static void write_curve_block(int c, int j) {
     const double* y = Curve[c][j];
     const double shift = CurveShift[c][j];
     const int n = column_points(c, j);
-    begin_rows(Curve[c][0], n);
+    begin_rows(block_name(c, j, false), Curve[c][0], n);
     for (int k = 0; k < n; k++)
         write_row(y[k] + shift);
     end_rows();
 }
 
 void write_data_blocks(plot_t plot) {
-    walk(plot, [](int c, int j) {
+    for_each_series(plot, [](int c, int j) {
         const deviation_t deviation = deviation_of(PlotColType[j]);
         if (deviation == DEV_HIDDEN)
             return;

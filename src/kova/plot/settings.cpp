@@ -69,19 +69,19 @@ static void write_tics() {
         std::fprintf(f, "set ytics scale 0\n");
 }
 
-static void write_xrange(double xMin, double xMax) {
-    const double lxmin = Gxmin > GX_NOT_GIVEN ? Gxmin : xMin - MARGIN * (xMax - xMin);
-    const double lxmax = Gxmax > GX_NOT_GIVEN ? Gxmax : xMax + MARGIN * (xMax - xMin);
-    say("xmin=%f\nxmax=%f\n", lxmin, lxmax);
-    std::fprintf(f, "set xrange [%f : %f]\n", lxmin, lxmax);
-}
-
-static void write_yrange(plot_t plot) {
+ranges_t plot_ranges(plot_t plot, double xMin, double xMax) {
     double ymin, ymax;
     ordinate_extent(plot, &ymin, &ymax);
     YrangeMin = ymin - MARGIN * (ymax - ymin);
     YrangeMax = ymax + MARGIN * (ymax - ymin);
-    std::fprintf(f, "set yrange [%f : %f]\n", YrangeMin, YrangeMax);
+    return {Gxmin > GX_NOT_GIVEN ? Gxmin : xMin - MARGIN * (xMax - xMin),
+            Gxmax > GX_NOT_GIVEN ? Gxmax : xMax + MARGIN * (xMax - xMin), YrangeMin, YrangeMax};
+}
+
+void write_ranges(const ranges_t& ranges) {
+    say("xmin=%f\nxmax=%f\n", ranges.xmin, ranges.xmax);
+    std::fprintf(f, "set xrange [%f : %f]\n", ranges.xmin, ranges.xmax);
+    std::fprintf(f, "set yrange [%f : %f]\n", ranges.ymin, ranges.ymax);
 }
 
 // True if another kind with the same typeset label is named already.
@@ -122,7 +122,7 @@ static void write_ylabel(plot_t plot) {
     std::fprintf(f, "\n");
 }
 
-void write_settings(plot_t plot, double xMin, double xMax) {
+void write_settings(plot_t plot, const ranges_t& ranges) {
     std::fprintf(f, "set encoding iso_8859_1\n");
     if (UserTerminal)
         std::fprintf(f, "set terminal %s\n", UserTerminalName);
@@ -132,8 +132,7 @@ void write_settings(plot_t plot, double xMin, double xMax) {
         std::fprintf(f, "set size ratio %f\n", PlotRatio);
     if (PlotGrid)
         std::fprintf(f, "set grid\n");
-    write_xrange(xMin, xMax);
-    write_yrange(plot);
+    write_ranges(ranges);
     std::fprintf(f, "set style fill transparent solid %4.1f noborder\n", ErrFillAlpha);
     std::fprintf(f, "set bars 0.5\n");
     write_ylabel(plot);

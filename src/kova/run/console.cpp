@@ -70,7 +70,21 @@ void prepare_process() {
     std::atexit(close_output);
 }
 
+const char* ProgramName = nullptr;
+
+// One sentence behind the program's name, without the blanks and line ends of the message.
+static void blame(const char* format, va_list args) {
+    char text[8192];
+    std::vsnprintf(text, sizeof text, format, args);
+    std::size_t length = std::strlen(text);
+    while (length > 0 && std::strchr(" \n", text[length - 1]) != nullptr)
+        text[--length] = '\0';
+    std::fprintf(stderr, "%s: %s\n", ProgramName, text);
+}
+
 void say(const char* format, ...) {
+    if (ProgramName != nullptr)
+        return;
     va_list args;
     va_start(args, format);
     note_output(std::vprintf(format, args) < 0);
@@ -81,7 +95,10 @@ void complain(const char* format, ...) {
     flush_output();
     va_list args;
     va_start(args, format);
-    std::vfprintf(stderr, format, args);
+    if (ProgramName != nullptr)
+        blame(format, args);
+    else
+        std::vfprintf(stderr, format, args);
     va_end(args);
 }
 
@@ -89,7 +106,10 @@ void fail(FILE* stream, const char* format, ...) {
     flush_output();
     va_list args;
     va_start(args, format);
-    std::vfprintf(stream, format, args);
+    if (ProgramName != nullptr)
+        blame(format, args);
+    else
+        std::vfprintf(stream, format, args);
     va_end(args);
     std::exit(EXIT_FAILURE);
 }

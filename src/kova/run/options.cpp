@@ -248,6 +248,50 @@ static bool read_data() {
 
 static void print_version() {
     say("Gravlex version %s\n%s\n", VERSION, ATTRIBUTION);
+    if (ProgramName == nullptr)
+        return;
+    std::printf("%s of Gravlex version %s\n%s\n", ProgramName, VERSION, ATTRIBUTION);
+    std::exit(EXIT_SUCCESS);
+}
+
+// ---- Further programs --------------------------------------------------------------------------
+
+static const program_t* Program = nullptr;
+
+static constexpr int OPT_OWN = 2000;      // codes of a program's own options
+static constexpr int OPT_REFUSED = 3000;  // and of those of gravlex that it refuses
+
+// The program's own options, then those of gravlex. A refused one is known, but not in the help.
+static const poptOption* program_table() {
+    static poptOption table[100];
+    poptOption* to = table;
+    for (const poptOption* own = Program->options; own->longName || own->shortName; own++)
+        *to++ = *own;
+    for (const poptOption& option : optionsTable) {
+        *to = option;
+        for (int i = 0; option.longName && Program->refused[i].name != nullptr; i++) {
+            if (std::strcmp(option.longName, Program->refused[i].name) == 0) {
+                to->argInfo = (option.argInfo == POPT_ARG_NONE ? POPT_ARG_NONE : POPT_ARG_STRING) |
+                              POPT_ARGFLAG_DOC_HIDDEN;
+                to->arg = nullptr;
+                to->val = OPT_REFUSED + i;
+            }
+        }
+        to++;
+    }
+    return table;
+}
+
+static bool handle_program_option(int code) {
+    if (Program == nullptr || code < OPT_OWN) {
+        complain("Cannot process option %d\n", code);
+        return false;
+    }
+    if (code < OPT_REFUSED)
+        return Program->handle(code);
+    const refused_option_t& refused = Program->refused[code - OPT_REFUSED];
+    complain("--%s makes no sense here: %s\n", refused.name, refused.instead);
+    return false;
 }
 
 // Handles one option that popt returned. False if it is wrong, with its message printed.
@@ -282,8 +326,7 @@ static bool handle_option(int code) {
             Type[d_idx(P_GINT_SMS)].p_type = ptype_sms;
             return true;
         default:
-            complain("Cannot process option %d\n", code);
-            return false;
+            return handle_program_option(code);
     }
 }
 
@@ -314,11 +357,11 @@ static void end_in_popt() {
 
 static poptContext new_context(int argc, char** argv) {
     enter_popt();
-    poptContext context =
-        poptGetContext(argv[0], argc, const_cast<const char**>(argv), optionsTable, 0);
+    poptContext context = poptGetContext(argv[0], argc, const_cast<const char**>(argv),
+                                         Program ? program_table() : optionsTable, 0);
     leave_popt();
     enter_popt();
-    poptSetOtherOptionHelp(context, "[options...] inputfile");
+    poptSetOtherOptionHelp(context, Program ? Program->arguments : "[options...] inputfile");
     leave_popt();
     return context;
 }
@@ -343,32 +386,57 @@ static bool take_options(poptContext context) {
     return false;
 }
 
-// The first argument that is no option, as a copy that outlives the context; null after a message.
-static char* take_input_name(poptContext context) {
-    const char* name = poptGetArg(context);
-    if (name == nullptr) {
-        complain("No input file defined.\n");
+// The next argument that is no option, as a copy that outlives the context; null if there is none.
+static char* take_argument(poptContext context) {
+    const char* argument = poptGetArg(context);
+    if (argument == nullptr)
         return nullptr;
-    }
-    const std::size_t size = std::strlen(name) + 1;
-    return static_cast<char*>(std::memcpy(resized<char>(nullptr, size), name, size));
+    const std::size_t size = std::strlen(argument) + 1;
+    return static_cast<char*>(std::memcpy(resized<char>(nullptr, size), argument, size));
+}
+
+// The first of them; null after a message.
+static char* take_input_name(poptContext context) {
+    char* name = take_argument(context);
+    if (name == nullptr)
+        complain("No input file defined.\n");
+    return name;
+}
+
+static poptContext start_options(int argc, char** argv) {
+    std::atexit(end_in_popt);
+    poptContext context = new_context(argc, argv);
+    if (argc >= 2)
+        return context;
+    enter_popt();
+    poptPrintUsage(context, stdout, 0);
+    leave_popt();
+    poptFreeContext(context);
+    std::exit(EXIT_SUCCESS);
 }
 
 const char* parse_command_line(int argc, char** argv) {
-    std::atexit(end_in_popt);
-    poptContext context = new_context(argc, argv);
-    if (argc < 2) {
-        enter_popt();
-        poptPrintUsage(context, stdout, 0);
-        leave_popt();
-        poptFreeContext(context);
-        std::exit(EXIT_SUCCESS);
-    }
+    poptContext context = start_options(argc, argv);
     const char* name = take_options(context) ? take_input_name(context) : nullptr;
     poptFreeContext(context);
     if (name == nullptr)
         std::exit(EXIT_FAILURE);
     return name;
+}
+
+char** parse_program_line(int argc, char** argv, const program_t& program) {
+    ProgramName = program.name;
+    Program = &program;
+    poptContext context = start_options(argc, argv);
+    const bool good = take_options(context);
+    char** names = resized<char*>(nullptr, static_cast<std::size_t>(argc) + 1);
+    names[0] = good ? take_input_name(context) : nullptr;
+    for (int i = 0; names[i] != nullptr; i++)
+        names[i + 1] = take_argument(context);
+    poptFreeContext(context);
+    if (names[0] == nullptr)
+        std::exit(EXIT_FAILURE);
+    return names;
 }
 
 static const char* yes_no(int flag) {

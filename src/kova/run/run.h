@@ -124,7 +124,32 @@ const char* parse_command_line(int argc, char** argv);
 // Prints the settings on standard output.
 void echo_settings();
 
+// Kinds that lists named by their own words, for a program that wants to know; written by
+// parse_data_string.
+extern unsigned KindsNamed;
+
+// A further program with the same options and a few of its own.
+struct refused_option_t {
+    const char* name;     // long name
+    const char* instead;  // what to use, for the message: "use -o FILE"
+};
+
+struct program_t {
+    const char* name;
+    const char* arguments;             // for the help: "[options...] inputfile"
+    const struct poptOption* options;  // its own, up to POPT_TABLEEND; those to handle have codes
+    bool (*handle)(int code);          // from 2000 to 2999. False after a message
+    const refused_option_t* refused;   // options of gravlex that make no sense, up to a null name
+};
+
+// Sets ProgramName and reads the command line of a further program. Returns the names of the input
+// files, one at least, up to a null; they are the caller's for the rest of the run.
+char** parse_program_line(int argc, char** argv, const program_t& program);
+
 // ---- Selection lists (selection.cpp) -----------------------------------------------------------
+
+// The word of a kind in these lists; null for s and R-values, which have none.
+const char* kind_word(int kind);
 
 // Applies a comma-separated list of kind words to a mask, from left to right. 0, or 1 after
 // "Unknown data type: %s\n" on standard output; words before the unknown one stay applied.
@@ -210,6 +235,10 @@ bool pass_on_complaints(FILE* from, FILE* to);
 // To be called first: gives closed standard streams a harmless file, keeps a broken pipe or a file
 // size limit from killing the run, and sees to it that standard output is complete at the end.
 void prepare_process();
+
+// Null in gravlex, which tells its work. A program that sets its name is silent but for failures:
+// then say is still, and complain and fail write one sentence behind the name on standard error.
+extern const char* ProgramName;
 
 // Standard output, formatted. A write that fails is reported when the run ends.
 void say(const char* format, ...) __attribute__((format(printf, 1, 2)));

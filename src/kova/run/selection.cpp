@@ -28,6 +28,16 @@ static const kind_word_t KindWords[] = {
     {"ints", P_GINT_INTS}, {"tint", P_GINT_TINT}, {"dint", P_GINT_DINT},
 };
 
+unsigned KindsNamed = 0;
+
+const char* kind_word(int kind) {
+    for (const kind_word_t& known : KindWords) {
+        if (known.kind == kind)
+            return known.word;
+    }
+    return nullptr;
+}
+
 // Applies one word: a kind adds, !kind removes, "all" replaces. False if it is none of them.
 static bool apply_word(const char* word, unsigned* Data) {
     if (std::strcmp(word, "all") == 0) {
@@ -41,6 +51,7 @@ static bool apply_word(const char* word, unsigned* Data) {
             continue;
         const unsigned flag = static_cast<unsigned>(known.kind);
         *Data = removes ? *Data & ~flag : *Data | flag;
+        KindsNamed = removes ? KindsNamed & ~flag : KindsNamed | flag;
         return true;
     }
     return false;
