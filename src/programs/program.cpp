@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "program.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "input/input.h"
+
+int Ntables = 0;
+int Nsets = 0;
+set_t* Sets = nullptr;
+
+static int Nrooms = 0;           // elements of Sets
+static int HeadersMet = 0;       // of the selected table
+static int SetsEnded = 0;        // sets that were read to their end
+static int* ReadSets = nullptr;  // index in Sets of each set that was read
+static set_t FirstHeader = {};   // layout 1 has one for all sets
+static const char* InputName = nullptr;
+
+// ---- What is met -------------------------------------------------------------------------------
+
+static void meet_table() {
+    Ntables++;
+}
+
+static void meet_set(int Nd, int Nc) {
+    if (Nsets == Nrooms) {
+        Nrooms = Nrooms == 0 ? 16 : 2 * Nrooms;
+        Sets = resized(Sets, static_cast<std::size_t>(Nrooms));
+    }
+    Sets[Nsets] = FirstHeader;
+    Sets[Nsets].Nd = Nd;
+    Sets[Nsets].Nc = Nc;
+    Nsets++;
+}
+
+static void print_kinds(char* to, std::size_t room, unsigned mask) {
+    std::size_t length = 0;
+    *to = '\0';
+    for (const data_type_t& kind : Type) {
+        const char* word = is_in(kind.type, mask) ? kind_word(kind.type) : nullptr;
+        if (word != nullptr && length < room)
+            length += static_cast<std::size_t>(
+                std::snprintf(to + length, room - length, "%s%s", length > 0 ? ", " : "", word));
+    }
+}
+
+static void require_named_kinds() {
+    unsigned found = 0;
+    for (int i = 0; i < Ncols; i++)
+        found |= static_cast<unsigned>(ColType[i]);
+    const unsigned missing = KindsNamed & ~found;
+    if (missing == 0)
+        return;
+    char names[300], kinds[300];
+    print_kinds(names, sizeof names, missing);
+    print_kinds(kinds, sizeof kinds, found);
+    fail(stderr, "no kind %s in %s (table %d has %s)\n", names, InputName, TableN, kinds);
+}
+
+static void meet_header() {
+    if (InputName != nullptr)
+        require_named_kinds();
+    set_t* header = Nsets > 0 ? &Sets[Nsets - 1] : &FirstHeader;
+    header->NcolsToPlot = NcolsToPlot;
+    std::memcpy(header->PlotColType, PlotColType, sizeof PlotColType);
+    std::memcpy(header->PlotTypePos, PlotTypePos, sizeof PlotTypePos);
+    HeadersMet++;
+}
+
+static void meet_set_end() {
+    SetsEnded++;
+}
+
+// ---- The input ---------------------------------------------------------------------------------
+
+char** start_program(int argc, char** argv, const program_t& program) {
+    ProgramName = program.name;
+    prepare_process();
+    return parse_program_line(argc, argv, program);
+}
+
+const char* only_input(char** names) {
+    if (names[1] != nullptr)
+        fail(stderr, "one input file at a time, not %s as well\n", names[1]);
+    return names[0];
+}
+
+void read_tables(const char* inpFname) {
+    MetTable = meet_table;
+    MetSet = meet_set;
+    MetHeader = meet_header;
+    MetSetEnd = meet_set_end;
+    if (detect_int_table_version(inpFname) == 2)
+        parse_kova_int_tables_ver2(inpFname);
+    else
+        parse_kova_int_tables_ver1(inpFname);
+    // Each set that was read, in the order of the file.
+    ReadSets = resized(ReadSets, static_cast<std::size_t>(Ncurves));
+    int c = 0;
+    for (int i = 0; i < Nsets && c < Ncurves; i++) {
+        if (Sets[i].Nd == CurveNd[c] && Sets[i].Nc == CurveNc[c])
+            ReadSets[c++] = i;
+    }
+}
+
+const set_t& own_columns(int c) {
+    return Sets[ReadSets[c]];
+}
+
+static bool is_met(int Nd, int Nc) {
+    for (int i = 0; i < Nsets; i++) {
+        if (Sets[i].Nd == Nd && Sets[i].Nc == Nc)
+            return true;
+    }
+    return false;
+}
+
+// The labels of the table, as many as a sentence can hold.
+static void print_sets(char* to, std::size_t room) {
+    std::size_t length = 0;
+    *to = '\0';
+    for (int i = 0; i < Nsets; i++) {
+        if (length + 40 > room) {
+            std::snprintf(to + length, room - length, ", ...");
+            return;
+        }
+        length += static_cast<std::size_t>(std::snprintf(
+            to + length, room - length, "%s%d-%d", i > 0 ? ", " : "", Sets[i].Nd, Sets[i].Nc));
+    }
+}
+
+static void require_table() {
+    if (Ntables == 0)
+        fail(stderr, "%s is no output of KOVA: there is no table in it\n", InputName);
+    if (TableN < 1 || TableN > Ntables)
+        fail(stderr, "no table %d in %s (it has %d)\n", TableN, InputName, Ntables);
+    if (Nsets == 0)
+        fail(stderr, "no data sets in table %d of %s\n", TableN, InputName);
+}
+
+static void require_sets() {
+    char sets[400];
+    print_sets(sets, sizeof sets);
+    for (int i = 0; i < NparToRead; i++) {
+        if (!is_met(ParToReadNum1[i], ParToReadNum2[i]))
+            fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", ParToReadNum1[i],
+                 ParToReadNum2[i], InputName, TableN, sets);
+    }
+    if (SetsEnded < Ncurves)
+        fail(stderr, "%s ends in the middle of data set %d-%d\n", InputName, CurveNd[Ncurves - 1],
+             CurveNc[Ncurves - 1]);
+    for (int c = 0; c < Ncurves; c++) {
+        if (Npts[c] == 0)
+            fail(stderr, "data set %d-%d of %s has no rows\n", CurveNd[c], CurveNc[c], InputName);
+    }
+}
+
+void read_input(const char* inpFname) {
+    InputName = inpFname;
+    read_tables(inpFname);
+    require_table();
+    require_sets();
+    link_deviations();
+    group_columns();
+    group_curves();
+}
+
+void require_equal_columns(const char* inpFname) {
+    const set_t& first = own_columns(0);
+    for (int c = 1; c < Ncurves; c++) {
+        const set_t& set = own_columns(c);
+        if (set.NcolsToPlot == first.NcolsToPlot &&
+            std::memcmp(set.PlotColType, first.PlotColType, sizeof first.PlotColType) == 0)
+            continue;
+        fail(stderr,
+             "data sets %d-%d and %d-%d of %s have different columns: choose with --curves\n",
+             CurveNd[0], CurveNc[0], CurveNd[c], CurveNc[c], inpFname);
+    }
+}
+
+// ---- The plots ---------------------------------------------------------------------------------
+
+ranges_t ranges_of(plot_t plot) {
+    double xMin, xMax;
+    abscissa_extent(plot, &xMin, &xMax);
+    return plot_ranges(plot, xMin, xMax);
+}
+
+bool has_series(plot_t plot) {
+    bool found = false;
+    for_each_series(plot, [&](int c, int j) {
+        found = found || (deviation_of(PlotColType[j]) != DEV_HIDDEN && column_points(c, j) > 0);
+    });
+    return found;
+}

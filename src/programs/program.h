@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+//
+// What the programs beside gravlex share: they read the same input with the same options, say what
+// is wrong in one sentence, and leave either the files that were asked for or none.
+#pragma once
+
+#include <cstdio>
+
+#include "plot/plot.h"
+
+// ---- The input ---------------------------------------------------------------------------------
+
+// Reads the command line of the program and returns the names of its input files, up to a null.
+// To be called first.
+char** start_program(int argc, char** argv, const program_t& program);
+
+// Refuses more than one of them.
+const char* only_input(char** names);
+
+// What the selected table of the input holds.
+struct set_t {
+    int Nd, Nc;
+    int NcolsToPlot;  // its own columns: those of its header row
+    int PlotColType[MAX_COLS];
+    int PlotTypePos[MAX_COLS];
+};
+extern int Ntables;  // tables of the file, up to the selected one
+extern int Nsets;    // sets of the table, whether they are read or not
+extern set_t* Sets;  // Sets[c] belongs to Curve[c] where all sets are read
+
+// The own columns of a set that was read.
+const set_t& own_columns(int c);
+
+// Reads the selected table and forms the plot groups. Ends the run with a sentence where gravlex
+// goes on without a word: no table of that number, none at all, a kind or a set that is named and
+// not there, a set without rows, a file that ends in the middle of a set.
+void read_input(const char* inpFname);
+
+// The same without the sentences about what is not there: for a program that lists it.
+void read_tables(const char* inpFname);
+
+// Ends the run with a sentence if the sets that were read have different columns: one column map
+// could not be right for all of them.
+void require_equal_columns(const char* inpFname);
+
+// ---- The plots ---------------------------------------------------------------------------------
+
+// Visits every plot of the page, or, without one, every plot in turn, in the order of gravlex: g
+// major. Computes the shifts of the first one before.
+template <class visitor_t>
+void for_each_plot(visitor_t visit) {
+    for (int g = 1; g <= CurveGroupsToPlot; g++) {
+        for (int h = 1; h <= ColGroupsToPlot; h++) {
+            const plot_t plot = {g, h};
+            if (AutoShifts && !AutoShiftsReady)
+                calc_shifts(plot);
+            visit(plot);
+        }
+    }
+}
+
+// The ranges of a plot of that page.
+ranges_t ranges_of(plot_t plot);
+
+// False for a plot whose columns are all shown with others or not there: gnuplot refuses an empty
+// plot command.
+bool has_series(plot_t plot);
+
+// ---- Files that are written --------------------------------------------------------------------
+
+// Opens a file beside the one of this name, to be written and read. The name is refused, with a
+// sentence, if there is something already that may not be replaced. "-" is standard output.
+FILE* new_file(const char* name, bool overwrite);
+
+// Closes all new files and gives them their names. A file that could not be written ends the run
+// with a sentence; whatever ends the run before leaves none of them.
+void keep_files();
+
+// A file that nobody sees.
+FILE* scratch_file();
+
+// FILE and a number: fit.gp is fit-2.gp. The caller's.
+char* numbered_name(const char* name, int number);
+
+// ---- gnuplot -----------------------------------------------------------------------------------
+
+// Lets gnuplot draw the commands of the file, from its beginning, onto its standard output, which
+// goes to the picture. A gnuplot that is missing, fails or draws nothing ends the run with a
+// sentence that has its own words.
+void draw(FILE* commands, FILE* picture);
+
+// Writes a file name as a string of gnuplot that no byte of it can end, and that gnuplot takes for
+// a file of that name and nothing else.
+void write_name(FILE* commands, const char* name);
