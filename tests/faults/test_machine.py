@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 """What a run makes of a machine that is not as it should be: of outputs that are closed or full,
-of a gnuplot that goes, of signals, of limits, of foreign numbers and of inputs that come slowly.
+of a gnuplot that goes, of signals, of limits, and of inputs that come slowly.
 
 Unless a test says otherwise, all must be as in an undisturbed run.
 """
@@ -8,7 +8,6 @@ Unless a test says otherwise, all must be as in an undisturbed run.
 import os
 import pathlib
 import re
-import shutil
 import signal
 import stat
 import subprocess
@@ -411,24 +410,6 @@ class Place(Machine):
                 # The shell that starts gnuplot has something to say to that.
                 self.assertEqual((result.status, result.stdout, result.streams),
                                  (0, right.stdout, right.streams))
-
-    def test_comma_locale(self):
-        with tempfile.TemporaryDirectory(prefix="gravlex-locale-") as folder:
-            os.chmod(folder, 0o755)
-            env = {"LC_ALL": "de_DE.UTF-8", "LANG": "de_DE.UTF-8", "LOCPATH": folder}
-            made = shutil.which("localedef") and subprocess.run(
-                ["localedef", "-i", "de_DE", "-f", "UTF-8", f"{folder}/de_DE.UTF-8"],
-                check=False, capture_output=True).returncode == 0
-            if not made:
-                self.skipTest("there is no German locale to be made")
-            comma = subprocess.run(["/usr/bin/printf", "%.1f", "1,5"], env=env, check=True,
-                                   capture_output=True)
-            self.assertEqual(comma.stdout, b"1,5")
-            for options in ("", "--lw 1.5 --xmin 2.25 --shiftmult 0.5 "):
-                for name, arguments in {**RUNS, **ERRORS, "long": LONG}.items():
-                    with self.subTest(name=name, options=options):
-                        right = self.start(options + arguments)
-                        self.assertEqual(self.start(options + arguments, env=env), right)
 
 
 Right = {}

@@ -1,10 +1,9 @@
 # SPDX-License-Identifier: MIT
 """Reads the images that gnuplot writes, and the tables of the samples that they show.
 
-A series of an SVG or EPS image is a dictionary: "title", "points" (the places of its markers),
-"line" (the corners of its line, in order), "area" (the corners of its filled area), all in the
-coordinates of the image, and "colors", the set of the colours used (an EPS image has two decimals
-for each part of a colour).
+A series of an SVG image is a dictionary: "title", "points" (the places of its markers), "line" (the
+corners of its line, in order), "area" (the corners of its filled area), all in the coordinates of
+the image, and "colors", the set of the colours used.
 """
 
 import re
@@ -31,10 +30,6 @@ def read_png(path):
     return width, height, pixels
 
 
-def new_series(title=""):
-    return {"title": title, "points": [], "line": [], "area": [], "colors": set()}
-
-
 def pairs(text):
     return [(float(x), float(y)) for x, y in re.findall(PAIR, text)]
 
@@ -44,7 +39,8 @@ def svg_color(text):
 
 
 def svg_series(group):
-    series = new_series(group.findtext(f"{SVG}title"))
+    series = {"title": group.findtext(f"{SVG}title"), "points": [], "line": [], "area": [],
+              "colors": set()}
     for element in group.iter():
         if element.tag == f"{SVG}use":
             # Below the middle of an error bar gnuplot clears a white disk.
@@ -70,31 +66,14 @@ def read_svg(path):
     return width, height, series, [text for text in texts if text.strip()]
 
 
-def eps_series(text):
-    series = new_series()
-    for x, y, word in re.findall(rf"({NUMBER}) ({NUMBER}) (M|V|L|Circle)\b", text):
-        place = (float(x), float(y))
-        if word == "Circle":
-            series["points"].append(place)
-        elif word == "V":  # relative to the last
-            last = series["line"][-1]
-            series["line"].append((last[0] + place[0], last[1] + place[1]))
-        elif not series["line"] or place != series["line"][-1]:  # a long line goes on with an M
-            series["line"].append(place)
-    for parts in re.findall(rf"({NUMBER}) ({NUMBER}) ({NUMBER}) C\b", text):
-        series["colors"].add("#%02X%02X%02X" % tuple(round(float(part) * 255) for part in parts))
-    return series
-
-
-def read_eps(path):
-    """Returns (width, height, list of series), the size in points."""
+def eps_size(path):
+    """Returns (width, height) in points."""
     text = path.read_text("latin-1")
     if not text.startswith("%!PS-Adobe-") or " EPSF-" not in text.splitlines()[0]:
         raise ValueError(f"{path.name} is no EPS image")
     box = re.search(r"^%%BoundingBox: (\d+) (\d+) (\d+) (\d+)$", text, re.MULTILINE)
     left, bottom, right, top = (int(part) for part in box.groups())
-    plots = re.findall(r"^% Begin plot #\d+\n(.*?)^% End plot", text, re.MULTILINE | re.DOTALL)
-    return right - left, top - bottom, [eps_series(plot) for plot in plots]
+    return right - left, top - bottom
 
 
 def render_eps(path, image, resolution=72):
