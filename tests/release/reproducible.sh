@@ -19,8 +19,7 @@ build() {
 
 for name in one another/and/deeper; do
     mkdir -p "$work/$name"
-    for part in CMakeLists.txt cmake src man completions CHANGELOG.md CITATION.cff README.md \
-        LICENSE; do
+    for part in CMakeLists.txt cmake completions src; do
         cp -R "$sources/$part" "$work/$name/"
     done
     if ! build "$work/$name" >"$work/log" 2>&1; then
@@ -29,12 +28,9 @@ for name in one another/and/deeper; do
     fi
 done
 
-cd "$work/one/out"
-for file in gravlex compressed/*.gz; do
-    cmp "$file" "$work/another/and/deeper/out/$file"
-    if zcat -f "$file" | grep -aF "$work"; then
-        echo "$file tells where it was built"
-        exit 1
-    fi
-done
+cmp "$work/one/out/gravlex" "$work/another/and/deeper/out/gravlex"
+if grep -aF "$work" "$work/one/out/gravlex"; then
+    echo "it tells where it was built"
+    exit 1
+fi
 echo "same bytes"
