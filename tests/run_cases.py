@@ -109,12 +109,14 @@ def main():
                         help="the stand-in for gnuplot, if it is not where it was built")
     parser.add_argument("--accept", action="store_true", help="rewrite the expectations")
     parser.add_argument("--wrapper", default="", help="command that starts the program")
+    parser.add_argument("--skip", action="append", default=[], metavar="TOPIC/NAME")
     parser.add_argument("--first-failure", action="store_true", help="stop there")
     parser.add_argument("--verbose", action="store_true", help="name the cases that pass, too")
     parser.add_argument("case", nargs="*", help="TOPIC or TOPIC/NAME; default: all")
     options = parser.parse_args()
 
-    cases = chosen(options.case)
+    skipped = chosen(options.skip) if options.skip else []
+    cases = [case for case in chosen(options.case) if case not in skipped]
     options.program = options.program.absolute()
     options.standin = (options.standin or running.standin_of(options.program)).absolute()
     options.wrapper = shlex.split(options.wrapper)
