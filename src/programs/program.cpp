@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "program.h"
 
+#include <popt.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -72,12 +74,66 @@ static void meet_set_end() {
     SetsEnded++;
 }
 
+// ---- The command line --------------------------------------------------------------------------
+
+static const program_t* Program = nullptr;
+
+static constexpr int OPT_VERSION = 118;
+static constexpr int OPT_OWN = 2000;      // codes of a program's own options
+static constexpr int OPT_REFUSED = 3000;  // and of those of gravlex that it refuses
+
+// The place of an option among the refused ones, -1 if it is none of them.
+static int refused_place(const char* name) {
+    for (int i = 0; Program->refused[i].name != nullptr; i++) {
+        if (name != nullptr && std::strcmp(name, Program->refused[i].name) == 0)
+            return i;
+    }
+    return -1;
+}
+
+// The program's own options, then those of gravlex. A refused one is known, but not in the help.
+static const poptOption* program_table() {
+    static poptOption table[100];
+    poptOption* to = table;
+    for (const poptOption* own = Program->options; own->longName || own->shortName; own++)
+        *to++ = *own;
+    const poptOption* from = optionsTable;
+    for (; from->longName || from->shortName || from->arg; from++) {
+        *to = *from;
+        const int place = refused_place(from->longName);
+        if (place != -1) {
+            to->argInfo = (from->argInfo == POPT_ARG_NONE ? POPT_ARG_NONE : POPT_ARG_STRING) |
+                          POPT_ARGFLAG_DOC_HIDDEN;
+            to->arg = nullptr;
+            to->val = OPT_REFUSED + place;
+        }
+        to++;
+    }
+    *to = *from;
+    return table;
+}
+
+static bool handle_program_option(int code) {
+    if (code == OPT_VERSION) {
+        std::printf("%s of Gravlex version %s\n%s\n", ProgramName, VERSION, ATTRIBUTION);
+        std::exit(EXIT_SUCCESS);
+    }
+    if (code < OPT_OWN)
+        return handle_option(code);
+    if (code < OPT_REFUSED)
+        return Program->handle(code);
+    const refused_option_t& refused = Program->refused[code - OPT_REFUSED];
+    complain("--%s makes no sense here: %s\n", refused.name, refused.instead);
+    return false;
+}
+
 // ---- The input ---------------------------------------------------------------------------------
 
 char** start_program(int argc, char** argv, const program_t& program) {
     ProgramName = program.name;
+    Program = &program;
     prepare_process();
-    return parse_program_line(argc, argv, program);
+    return parse_options(argc, argv, program_table(), program.arguments, handle_program_option);
 }
 
 const char* only_input(char** names) {

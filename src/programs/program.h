@@ -10,8 +10,21 @@
 
 // ---- The input ---------------------------------------------------------------------------------
 
-// Reads the command line of the program and returns the names of its input files, up to a null.
-// To be called first.
+struct refused_option_t {
+    const char* name;     // long name
+    const char* instead;  // what to use, for the message: "use -o FILE"
+};
+
+struct program_t {
+    const char* name;
+    const char* arguments;             // for the help: "[options...] inputfile"
+    const struct poptOption* options;  // its own, up to POPT_TABLEEND; those to handle have codes
+    bool (*handle)(int code);          // from 2000 to 2999. False after a message
+    const refused_option_t* refused;   // options of gravlex that make no sense, up to a null name
+};
+
+// Reads the command line of the program, which has gravlex's options and its own, and returns the
+// names of its input files, up to a null. To be called first.
 char** start_program(int argc, char** argv, const program_t& program);
 
 // Refuses more than one of them.

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <popt.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,8 +8,8 @@
 
 #include "run/run.h"
 
-static constexpr char VERSION[] = "1.7-55-gc5354fa";
-static constexpr char ATTRIBUTION[] = "Written by the Gravlex developers, 2026";
+const char VERSION[] = "1.7-55-gc5354fa";
+const char ATTRIBUTION[] = "Written by the Gravlex developers, 2026";
 
 char* ImgFname = nullptr;
 int MakeImage = 0;
@@ -83,7 +82,7 @@ enum option_code {
 }  // namespace
 
 // clang-format off
-static const poptOption optionsTable[] = {
+const poptOption optionsTable[] = {
     {"version", 'v', POPT_ARG_NONE, nullptr, OPT_VERSION,
      "Print version", nullptr},
     {"png", '\0', POPT_ARG_STRING, &ImgFname, OPT_PNG,
@@ -208,15 +207,13 @@ static bool read_kinds_with_s(const char* option, const char* list, unsigned* ma
     return good;
 }
 
-static constexpr char NO_MEMORY[] = "Cannot allocate memory\n";
-
 // Sets the pair list to what the option says. False after a message if it is wrong.
 static bool read_pairs(const char* option, const char* list, int* Npar, int** Num1, int** Num2) {
     errno = 0;
     if (parse_int_curve_number(list, Npar, Num1, Num2) == 0)
         return true;
     if (errno == ENOMEM)
-        complain(NO_MEMORY);
+        complain("Cannot allocate memory\n");
     complain("%s: wrong data description: '%s'\n", option, list);
     return false;
 }
@@ -225,7 +222,7 @@ static bool read_pairs(const char* option, const char* list, int* Npar, int** Nu
 static int* copy_of(const int* numbers, int count) {
     int* copy = static_cast<int*>(std::calloc(static_cast<std::size_t>(count), sizeof *numbers));
     if (copy == nullptr) {
-        complain(NO_MEMORY);
+        complain("Cannot allocate memory\n");
         return nullptr;
     }
     std::copy_n(numbers, count, copy);
@@ -248,54 +245,9 @@ static bool read_data() {
 
 static void print_version() {
     say("Gravlex version %s\n%s\n", VERSION, ATTRIBUTION);
-    if (ProgramName == nullptr)
-        return;
-    std::printf("%s of Gravlex version %s\n%s\n", ProgramName, VERSION, ATTRIBUTION);
-    std::exit(EXIT_SUCCESS);
 }
 
-// ---- Further programs --------------------------------------------------------------------------
-
-static const program_t* Program = nullptr;
-
-static constexpr int OPT_OWN = 2000;      // codes of a program's own options
-static constexpr int OPT_REFUSED = 3000;  // and of those of gravlex that it refuses
-
-// The program's own options, then those of gravlex. A refused one is known, but not in the help.
-static const poptOption* program_table() {
-    static poptOption table[100];
-    poptOption* to = table;
-    for (const poptOption* own = Program->options; own->longName || own->shortName; own++)
-        *to++ = *own;
-    for (const poptOption& option : optionsTable) {
-        *to = option;
-        for (int i = 0; option.longName && Program->refused[i].name != nullptr; i++) {
-            if (std::strcmp(option.longName, Program->refused[i].name) == 0) {
-                to->argInfo = (option.argInfo == POPT_ARG_NONE ? POPT_ARG_NONE : POPT_ARG_STRING) |
-                              POPT_ARGFLAG_DOC_HIDDEN;
-                to->arg = nullptr;
-                to->val = OPT_REFUSED + i;
-            }
-        }
-        to++;
-    }
-    return table;
-}
-
-static bool handle_program_option(int code) {
-    if (Program == nullptr || code < OPT_OWN) {
-        complain("Cannot process option %d\n", code);
-        return false;
-    }
-    if (code < OPT_REFUSED)
-        return Program->handle(code);
-    const refused_option_t& refused = Program->refused[code - OPT_REFUSED];
-    complain("--%s makes no sense here: %s\n", refused.name, refused.instead);
-    return false;
-}
-
-// Handles one option that popt returned. False if it is wrong, with its message printed.
-static bool handle_option(int code) {
+bool handle_option(int code) {
     for (const switch_t& known : Switches) {
         if (known.code == code) {
             *known.variable = known.value;
@@ -326,118 +278,12 @@ static bool handle_option(int code) {
             Type[d_idx(P_GINT_SMS)].p_type = ptype_sms;
             return true;
         default:
-            return handle_program_option(code);
+            complain("Cannot process option %d\n", code);
+            return false;
     }
 }
 
-// ---- popt --------------------------------------------------------------------------------------
-
-// popt may go on without the memory that it asked for: without an argument, or with a piece left
-// out of its texts. Only errno tells, so each of its calls stands between these two.
-static bool InPopt = false;
-
-static void enter_popt() {
-    InPopt = true;
-    errno = 0;
-}
-
-static void leave_popt() {
-    InPopt = false;
-    if (errno == ENOMEM)
-        fail(stderr, NO_MEMORY);
-}
-
-// popt ends the run itself where it has printed the help, and where it does see a lack of memory.
-static void end_in_popt() {
-    if (!InPopt || errno != ENOMEM)
-        return;
-    complain(NO_MEMORY);
-    _exit(EXIT_FAILURE);
-}
-
-static poptContext new_context(int argc, char** argv) {
-    enter_popt();
-    poptContext context = poptGetContext(argv[0], argc, const_cast<const char**>(argv),
-                                         Program ? program_table() : optionsTable, 0);
-    leave_popt();
-    enter_popt();
-    poptSetOtherOptionHelp(context, Program ? Program->arguments : "[options...] inputfile");
-    leave_popt();
-    return context;
-}
-
-static int next_option(poptContext context) {
-    enter_popt();
-    const int code = poptGetNextOpt(context);
-    leave_popt();
-    return code;
-}
-
-// Takes all options from popt. False if any of them is wrong, with every message printed.
-static bool take_options(poptContext context) {
-    bool good = true;
-    int code;
-    while ((code = next_option(context)) >= 0)
-        good = handle_option(code) && good;
-    if (code == -1)
-        return good;
-    complain("%s: %s (%d)\n", poptBadOption(context, POPT_BADOPTION_NOALIAS), poptStrerror(code),
-             code);
-    return false;
-}
-
-// The next argument that is no option, as a copy that outlives the context; null if there is none.
-static char* take_argument(poptContext context) {
-    const char* argument = poptGetArg(context);
-    if (argument == nullptr)
-        return nullptr;
-    const std::size_t size = std::strlen(argument) + 1;
-    return static_cast<char*>(std::memcpy(resized<char>(nullptr, size), argument, size));
-}
-
-// The first of them; null after a message.
-static char* take_input_name(poptContext context) {
-    char* name = take_argument(context);
-    if (name == nullptr)
-        complain("No input file defined.\n");
-    return name;
-}
-
-static poptContext start_options(int argc, char** argv) {
-    std::atexit(end_in_popt);
-    poptContext context = new_context(argc, argv);
-    if (argc >= 2)
-        return context;
-    enter_popt();
-    poptPrintUsage(context, stdout, 0);
-    leave_popt();
-    poptFreeContext(context);
-    std::exit(EXIT_SUCCESS);
-}
-
-const char* parse_command_line(int argc, char** argv) {
-    poptContext context = start_options(argc, argv);
-    const char* name = take_options(context) ? take_input_name(context) : nullptr;
-    poptFreeContext(context);
-    if (name == nullptr)
-        std::exit(EXIT_FAILURE);
-    return name;
-}
-
-char** parse_program_line(int argc, char** argv, const program_t& program) {
-    ProgramName = program.name;
-    Program = &program;
-    poptContext context = start_options(argc, argv);
-    const bool good = take_options(context);
-    char** names = resized<char*>(nullptr, static_cast<std::size_t>(argc) + 1);
-    names[0] = good ? take_input_name(context) : nullptr;
-    for (int i = 0; names[i] != nullptr; i++)
-        names[i + 1] = take_argument(context);
-    poptFreeContext(context);
-    if (names[0] == nullptr)
-        std::exit(EXIT_FAILURE);
-    return names;
-}
+// ---- Echo --------------------------------------------------------------------------------------
 
 static const char* yes_no(int flag) {
     return flag ? "yes" : "no";

@@ -67,7 +67,7 @@ constexpr bool is_in(int kind, unsigned mask) {
     return (static_cast<unsigned>(kind) & mask) != 0;
 }
 
-// ---- Settings (options.cpp) --------------------------------------------------------------------
+// ---- Settings (options.cpp, command_line.cpp) --------------------------------------------------
 // Written by parse_command_line only; their initial values are the defaults of the options.
 
 constexpr int IMG_PNG = 1;
@@ -128,23 +128,20 @@ void echo_settings();
 // parse_data_string.
 extern unsigned KindsNamed;
 
-// A further program with the same options and a few of its own.
-struct refused_option_t {
-    const char* name;     // long name
-    const char* instead;  // what to use, for the message: "use -o FILE"
-};
+// The parts of the command line, for a further program with options of its own: popt's table of
+// gravlex's options, up to POPT_TABLEEND, and what is done for each that popt returns (false after
+// a message).
+extern const struct poptOption optionsTable[];
+bool handle_option(int code);
 
-struct program_t {
-    const char* name;
-    const char* arguments;             // for the help: "[options...] inputfile"
-    const struct poptOption* options;  // its own, up to POPT_TABLEEND; those to handle have codes
-    bool (*handle)(int code);          // from 2000 to 2999. False after a message
-    const refused_option_t* refused;   // options of gravlex that make no sense, up to a null name
-};
+// Reads a command line with that table and returns the names of the input files, one at least, up
+// to a null; they are the caller's for the rest of the run. `arguments` is for the help. Ends the
+// run like parse_command_line.
+char** parse_options(int argc, char** argv, const struct poptOption* table, const char* arguments,
+                     bool (*handle)(int code));
 
-// Sets ProgramName and reads the command line of a further program. Returns the names of the input
-// files, one at least, up to a null; they are the caller's for the rest of the run.
-char** parse_program_line(int argc, char** argv, const program_t& program);
+extern const char VERSION[];
+extern const char ATTRIBUTION[];
 
 // ---- Selection lists (selection.cpp) -----------------------------------------------------------
 
