@@ -5,8 +5,8 @@ set(data_dir ${CMAKE_INSTALL_DATADIR})
 set(doc_dir ${CMAKE_INSTALL_DOCDIR})
 set(completions ${CMAKE_BINARY_DIR}/completions)
 
-install(TARGETS gravlex RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(PROGRAMS src/script/gravlex-script DESTINATION ${CMAKE_INSTALL_BINDIR})
+list(TRANSFORM PROGRAMS PREPEND gravlex- OUTPUT_VARIABLE installed)
+install(TARGETS gravlex ${installed} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # In their places to each other, so that the links hold.

@@ -7,8 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -256,10 +256,10 @@ void draw(FILE* commands, FILE* picture) {
 // Octal digits stand for whatever could mean something to gnuplot; "./" keeps a pipe "|cmd" and an
 // option from being one.
 void write_name(FILE* commands, const char* name) {
-    std::fprintf(commands, "\"%s", *name == '/' ? "" : "./");
+    const bool plain_start = std::strchr("_./", *name) != nullptr || std::isalnum(*name & 0xff);
+    std::fprintf(commands, "\"%s", plain_start ? "" : "./");
     for (const char* c = name; *c != '\0'; c++) {
-        const bool plain = std::strchr("_./-", *c) != nullptr || ('0' <= *c && *c <= '9') ||
-                           ('A' <= *c && *c <= 'Z') || ('a' <= *c && *c <= 'z');
+        const bool plain = std::strchr(" _./,=+-", *c) != nullptr || std::isalnum(*c & 0xff);
         std::fprintf(commands, plain ? "%c" : "\\%03o", static_cast<unsigned char>(*c));
     }
     std::fprintf(commands, "\"");

@@ -49,11 +49,12 @@ static void write_fonts_and_xlabel() {
     }
     const int size = font_size();
     std::fprintf(f, "set tics font \"Arial, %d\"\n", size);
-    // The byte \305 is the Angstrom sign in the encoding set above.
+    // The byte \305 is the Angstrom sign in the encoding set above. People edit their scripts in
+    // another one.
     std::fprintf(f,
-                 "set xlabel \"{/Arial-Italic s}, {/Arial {\305}^{-1}}\" "
+                 "set xlabel \"{/Arial-Italic s}, {/Arial {%s}^{-1}}\" "
                  "offset char 0, char -1 font \", %d\"\n",
-                 size);
+                 NamedBlocks ? "\\305" : "\305", size);
 }
 
 static void write_tics() {

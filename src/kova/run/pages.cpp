@@ -16,7 +16,7 @@ bool image_is_drawn() {
     return MakeImage && !page_has_panels();
 }
 
-static void set_image_terminal() {
+void write_image_terminal() {
     switch (MakeImage) {
         case IMG_EPS:
             std::fprintf(f, "set terminal postscript eps enhanced color solid clip\n");
@@ -30,7 +30,7 @@ static void set_image_terminal() {
 }
 
 void write_image_commands(int number) {
-    set_image_terminal();
+    write_image_terminal();
     if (number != 0)
         std::fprintf(f, "set output \"%d_%s\"\n", number, ImgFname);
     else

@@ -201,6 +201,9 @@ bool page_has_panels();
 bool image_is_asked_for();
 bool image_is_drawn();
 
+// Sends the command that sets the terminal of the image.
+void write_image_terminal();
+
 // Sends the commands that repeat the plot into the image file; number is put in front of the
 // file's name ("1_") unless it is 0. The inline data must follow.
 void write_image_commands(int number);

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+//
+// gravlex-script: the plot as a gnuplot script to keep and edit. It draws gravlex's own picture,
+// to the pixel, and is plain ASCII as long as the terminal's name is.
+#include <popt.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "input/input.h"
+#include "program.h"
+
+static int Force = 0;
+static const char* Output = "gravlex.gp";
+
+static const poptOption OwnOptions[] = {
+    {"force", 'f', POPT_ARG_NONE, &Force, 0, "Replace files that exist", nullptr},
+    {"output", 'o', POPT_ARG_STRING, &Output, 0,
+     "Write the script to 'file' (gravlex.gp); - is standard output", "file"},
+    POPT_TABLEEND};
+
+static const refused_option_t Refused[] = {{nullptr, nullptr}};
+
+static const program_t Script = {"gravlex-script", "[options...] inputfile", OwnOptions,
+                                 [](int) { return true; }, Refused};
+
+static const char* InputName = nullptr;
+static int ArgCount = 0;
+static char** Arguments = nullptr;
+
+// ---- The comment -------------------------------------------------------------------------------
+
+// Writes a word as a shell reads it, in plain letters: a comment ends at the first newline.
+static void write_word(const char* word) {
+    static const char PLAIN[] =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-=,:@%+";
+    if (*word != '\0' && word[std::strspn(word, PLAIN)] == '\0') {
+        std::fprintf(f, "%s", word);
+        return;
+    }
+    bool odd = false;
+    for (const char* c = word; *c != '\0'; c++)
+        odd = odd || *c < ' ' || *c > '~' || *c == '\'' || *c == '\\';
+    std::fprintf(f, odd ? "$'" : "'");
+    for (const char* c = word; *c != '\0'; c++) {
+        const bool escaped = odd && (*c < ' ' || *c > '~' || *c == '\'' || *c == '\\');
+        std::fprintf(f, escaped ? "\\%03o" : "%c", static_cast<unsigned char>(*c));
+    }
+    std::fprintf(f, "'");
+}
+
+static void write_content() {
+    std::fprintf(f, "# Table %d of ", TableN);
+    write_word(InputName);
+    std::fprintf(f, ":");
+    for (int j = 1; j < NcolsToPlot; j++)
+        std::fprintf(f, "%s %s", j > 1 ? "," : "", Type[d_idx(PlotColType[j])].name);
+    std::fprintf(f, "\n# of the data sets");
+    for (int c = 0; c < Ncurves; c++)
+        std::fprintf(f, "%s %d-%d", c > 0 ? "," : "", CurveNd[c], CurveNc[c]);
+    std::fprintf(f, "\n");
+}
+
+// How to draw it, with the script's own name.
+static void write_usage(const char* name) {
+    const struct {
+        const char* what;
+        const char* terminal;
+    } ways[] = {{"PNG:", "pngcairo size 1200,800"}, {"PDF:", "pdfcairo size 17cm,11cm"}};
+    if (image_is_asked_for()) {
+        std::fprintf(f, "# Draw the image:   gnuplot ");
+        write_word(name);
+        std::fprintf(f, "\n");
+        return;
+    }
+    std::fprintf(f, "# In a window:      gnuplot -persist ");
+    write_word(name);
+    for (const auto& way : ways) {
+        std::fprintf(f, "\n# As %-14s gnuplot -e \"set terminal %s; set output 'plot.%.3s'\" ",
+                     way.what, way.terminal, way.terminal);
+        write_word(name);
+    }
+    std::fprintf(f, "\n");
+}
+
+static void write_comment(const char* name) {
+    std::fprintf(f, "# A gnuplot script, written by\n#    %s", ProgramName);
+    for (int i = 1; i < ArgCount; i++) {
+        std::fprintf(f, " ");
+        write_word(Arguments[i]);
+    }
+    std::fprintf(f, "\n");
+    write_content();
+    write_usage(std::strcmp(name, "-") == 0 ? "gravlex.gp" : name);
+    std::fprintf(f, "\n");
+}
+
+// ---- The plots ---------------------------------------------------------------------------------
+
+static void write_plot(plot_t plot) {
+    write_settings(plot, ranges_of(plot));
+    if (has_series(plot))
+        write_plot_command(plot);
+    else if (page_has_panels())
+        std::fprintf(f, "set multiplot next\n");
+}
+
+// The terminal stands in front: on a page of panels gnuplot would refuse to change it.
+static void write_terminal(const char* image) {
+    if (UserTerminal)
+        std::fprintf(f, "set terminal %s\n", UserTerminalName);
+    if (image == nullptr)
+        return;
+    write_image_terminal();
+    std::fprintf(f, "set output ");
+    write_name(f, image);
+    std::fprintf(f, "\n");
+}
+
+static void write_page() {
+    write_comment(Output);
+    for_each_plot(write_data_blocks);
+    write_terminal(image_is_asked_for() ? ImgFname : nullptr);
+    if (page_has_panels())
+        std::fprintf(f, "set multiplot layout %d, %d title \"KOVA GED curves\"\n",
+                     CurveGroupsToPlot, ColGroupsToPlot);
+    for_each_plot(write_plot);
+    if (page_has_panels())
+        std::fprintf(f, "unset multiplot\n");
+}
+
+// The name of an image with its number, as gravlex numbers them.
+static char* image_name(int number) {
+    if (!image_is_asked_for())
+        return nullptr;
+    const std::size_t room = std::strlen(ImgFname) + 16;
+    char* name = resized<char>(nullptr, room);
+    std::snprintf(name, room, "%d_%s", number, ImgFname);
+    return name;
+}
+
+// One script, in which each plot has a window or an image of its own.
+static void write_windows() {
+    write_comment(Output);
+    for_each_plot(write_data_blocks);
+    int number = 0;
+    for_each_plot([&](plot_t plot) {
+        number++;
+        write_terminal(image_name(number));
+        if (!image_is_asked_for())
+            std::fprintf(f,
+                         "if (strstrt('|wxt|qt|x11|aqua|windows|', '|'.GPVAL_TERM.'|')) "
+                         "eval 'set terminal '.GPVAL_TERM.' %d'\n",
+                         number);
+        write_plot(plot);
+    });
+}
+
+// A script for each plot.
+static void write_scripts() {
+    int number = 0;
+    for_each_plot([&](plot_t plot) {
+        number++;
+        const char* name = numbered_name(Output, number);
+        f = new_file(name, Force);
+        write_comment(name);
+        write_data_blocks(plot);
+        write_terminal(image_name(number));
+        write_plot(plot);
+    });
+}
+
+int main(int argc, char** argv) {
+    ArgCount = argc;
+    Arguments = argv;
+    InputName = only_input(start_program(argc, argv, Script));
+    read_input(InputName);
+    require_equal_columns(InputName);
+    NamedBlocks = 1;
+    const bool to_output = std::strcmp(Output, "-") == 0;
+    if (MultiPlot || to_output)
+        f = new_file(Output, Force);
+    if (MultiPlot)
+        write_page();
+    else if (to_output)
+        write_windows();
+    else
+        write_scripts();
+    keep_files();
+    return EXIT_SUCCESS;
+}
