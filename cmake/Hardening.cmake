@@ -2,6 +2,7 @@
 # Release builds defend themselves: the flags of the OpenSSF guide for C and C++, each only where
 # the compiler at hand knows it. None of them changes what the program computes.
 include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
 include(CheckLinkerFlag)
 include(CheckPIESupported)
 
@@ -25,7 +26,15 @@ function(harden_linker flag)
   endif()
 endfunction()
 
-add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
+# The C library has a warning about level 3 where the compiler knows no more than 2.
+set(CMAKE_REQUIRED_FLAGS "-Werror -O2 -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
+check_cxx_source_compiles("#include <cstdlib>\nint main() {}" HAS_FORTIFY_SOURCE_3)
+unset(CMAKE_REQUIRED_FLAGS)
+set(level 2)
+if(HAS_FORTIFY_SOURCE_3)
+  set(level 3)
+endif()
+add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=${level}>")
 add_compile_options("$<$<CONFIG:Release>:-D_GLIBCXX_ASSERTIONS>")
 harden_compiler(-fstack-protector-strong)
 harden_compiler(-fstack-clash-protection)

@@ -31,13 +31,15 @@ def known(flag):
     """Asks the compiler, not the build files: these may have lost a flag."""
     cache = (BUILD / "CMakeCache.txt").read_text()
     compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.M).group(1)
-    command = [compiler, "-Werror", flag, "-xc++", "-c", "-o", os.devnull, os.devnull]
+    command = [compiler, "-Werror", "-O2", "-U_FORTIFY_SOURCE", "-include", "cstdlib", flag]
+    command += ["-xc++", "-c", "-o", os.devnull, os.devnull]
     return subprocess.run(command, capture_output=True).returncode == 0
 
 
 def check_compilation():
     """Every source of the program is compiled with every flag that the compiler knows."""
-    flags = ["-D_FORTIFY_SOURCE=3", "-D_GLIBCXX_ASSERTIONS", "-ffp-contract=off"]
+    level = 3 if known("-D_FORTIFY_SOURCE=3") else 2
+    flags = [f"-D_FORTIFY_SOURCE={level}", "-D_GLIBCXX_ASSERTIONS", "-ffp-contract=off"]
     flags += [flag for flag in ("-fstack-protector-strong", "-fstack-clash-protection",
                                 "-fcf-protection=full", "-ftrivial-auto-var-init=zero")
               if known(flag)]
