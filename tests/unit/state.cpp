@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <tuple>
-#include <utility>
 
 #include "input/input.h"
 #include "plot/plot.h"
@@ -64,15 +63,6 @@ void reset_state() {
     std::copy(TypeAtStart.begin(), TypeAtStart.end(), Type);
     std::copy(ColErrIdxAtStart.begin(), ColErrIdxAtStart.end(), ColErrIdx);
     std::copy(ColPlotGroupAtStart.begin(), ColPlotGroupAtStart.end(), ColPlotGroup);
-}
-
-template <std::size_t... index>
-static int count_changed(std::index_sequence<index...>) {
-    return (0 + ... + (std::get<index>(settings()) != std::get<index>(SettingsAtStart)));
-}
-
-int changed_settings() {
-    return count_changed(std::make_index_sequence<std::tuple_size_v<decltype(SettingsAtStart)>>());
 }
 
 // ---- Output ------------------------------------------------------------------------------------

@@ -15,9 +15,6 @@
 // the store, the curve buffer and the pair lists.
 void reset_state();
 
-// How many settings of the command line are not what they were when the program started.
-int changed_settings();
-
 class Fresh : public testing::Test {
   protected:
     void SetUp() override { reset_state(); }

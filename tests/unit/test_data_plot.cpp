@@ -53,23 +53,6 @@ TEST_F(DataPlot, starts_with_nothing_chosen_and_nothing_shifted) {
     EXPECT_EQ(f, nullptr);
 }
 
-TEST_F(DataPlot, a_page_has_every_plot_curve_groups_first) {
-    make_four_plots();
-    AutoShifts = 0;
-    const plotted_t page = plotted(1);
-    EXPECT_EQ(count(page.stream, "set encoding"), 4);
-    EXPECT_EQ(count(page.stream, "\nplot "), 4);
-    std::size_t at = 0;
-    for (const char* title : {"Tot.Exp.Int. (1-1)", "Red.Exp.Int. (1-1)", "Tot.Exp.Int. (2-1)",
-                              "Red.Exp.Int. (2-1)"}) {
-        const std::size_t found = page.stream.find(title, at);
-        ASSERT_NE(found, std::string::npos) << title;
-        at = found;
-    }
-    const std::string range = "xmin=-0.100000\nxmax=2.100000\n";
-    EXPECT_EQ(page.message, GROUPS + range + range + range + range);
-}
-
 TEST_F(DataPlot, each_plot_is_settings_command_and_data) {
     make_four_plots();
     AutoShifts = 0;
@@ -86,20 +69,6 @@ TEST_F(DataPlot, each_plot_is_settings_command_and_data) {
     EXPECT_EQ(data, "0.000000 0.000000\n1.000000 10.000000\n2.000000 0.000000\ne\n");
 }
 
-TEST_F(DataPlot, without_a_page_only_the_chosen_plot_is_drawn) {
-    make_four_plots();
-    AutoShifts = 0;
-    MultiPlot = 0;
-    CurCurvesGroupToPlot = 2;
-    CurDataGroupToPlot = 1;
-    const plotted_t plot = plotted(1);
-    EXPECT_EQ(count(plot.stream, "title '"), 1);
-    EXPECT_TRUE(contains(plot.stream, "title 'Tot.Exp.Int. (2-1)'"));
-    EXPECT_EQ(plot.message, std::string(GROUPS) + "xmin=-0.100000\nxmax=2.100000\n");
-    CurCurvesGroupToPlot = 3;
-    EXPECT_EQ(plotted(1).stream, "");
-}
-
 TEST_F(DataPlot, a_negative_page_flag_draws_nothing) {
     make_four_plots();
     MultiPlot = -1;
@@ -107,12 +76,6 @@ TEST_F(DataPlot, a_negative_page_flag_draws_nothing) {
     EXPECT_EQ(plotted(1).stream, "");
     EXPECT_EQ(plotted(1).message, GROUPS);
     EXPECT_EQ(AutoShiftsReady, 0);
-}
-
-TEST_F(DataPlot, without_groups_only_their_numbers_are_told) {
-    const plotted_t nothing = plotted(1);
-    EXPECT_EQ(nothing.stream, "");
-    EXPECT_EQ(nothing.message, "0 Curve groups to plot.\n0 Data  groups to plot.\n");
 }
 
 TEST_F(DataPlot, data_alone_tell_no_range_and_change_no_range) {
@@ -123,74 +86,12 @@ TEST_F(DataPlot, data_alone_tell_no_range_and_change_no_range) {
     EXPECT_EQ(YrangeMin, 7);
 }
 
-TEST_F(DataPlot, the_data_are_the_same_the_second_time) {
-    make_four_plots();
-    for (MultiPlot = 0; MultiPlot <= 1; MultiPlot++) {
-        CurCurvesGroupToPlot = CurDataGroupToPlot = 1;
-        const std::string first = plotted(1).stream;
-        const std::string second = plotted(0).stream;
-        EXPECT_EQ(count(second, "e\n"), MultiPlot ? 4 : 1);
-        if (MultiPlot == 0) {
-            EXPECT_EQ(first.substr(first.size() - second.size()), second);
-        }
-        EXPECT_EQ(plotted(0).stream, second);
-    }
-}
-
 // ---- Shifts ------------------------------------------------------------------------------------
-
-TEST_F(DataPlot, only_the_first_plot_of_a_page_is_shifted) {
-    make_four_plots();
-    const plotted_t page = plotted(1);
-    EXPECT_EQ(CurveShift[0][1], 2);
-    EXPECT_EQ(CurveShift[0][2], 0);
-    EXPECT_EQ(CurveShift[1][1], 0);
-    EXPECT_EQ(CurveShift[1][2], 0);
-    EXPECT_EQ(count(page.message, "shiftMult="), 1);
-    EXPECT_TRUE(contains(page.stream, "0.000000 2.000000\n1.000000 12.000000\n"));
-    // Extent first, then shifts, then what depends on them.
-    EXPECT_TRUE(contains(page.message, std::string(GROUPS) + "bcs> n=3 Nbuf=0\n"));
-    EXPECT_TRUE(contains(page.stream, "set yrange [1.500000 : 12.500000]\n"));
-}
-
-TEST_F(DataPlot, the_second_plot_of_its_own_is_not_shifted) {
-    make_four_plots();
-    MultiPlot = 0;
-    CurCurvesGroupToPlot = CurDataGroupToPlot = 1;
-    EXPECT_EQ(count(plotted(1).message, "AutoShift="), 1);
-    EXPECT_EQ(AutoShiftsReady, 1);
-    CurCurvesGroupToPlot = 2;
-    const plotted_t second = plotted(1);
-    EXPECT_EQ(count(second.message, "AutoShift="), 0);
-    EXPECT_EQ(CurveShift[1][1], 0);
-    EXPECT_TRUE(contains(second.stream, "0.000000 0.000000\n1.000000 10.000000\n"));
-}
 
 TEST_F(DataPlot, shifts_are_made_for_data_alone_too) {
     make_four_plots();
     EXPECT_EQ(count(plotted(0).message, "shiftMult="), 1);
     EXPECT_EQ(CurveShift[0][1], 2);
-}
-
-TEST_F(DataPlot, shifts_can_be_turned_off) {
-    make_four_plots();
-    AutoShifts = 0;
-    const plotted_t page = plotted(1);
-    EXPECT_EQ(count(page.message, "hift"), 0);
-    EXPECT_EQ(count(page.message, "bcs>"), 0);
-    EXPECT_EQ(AutoShiftsReady, 0);
-    for (int c = 0; c < 2; c++) {
-        for (int j = 0; j < 3; j++)
-            EXPECT_EQ(CurveShift[c][j], 0.0);
-    }
-}
-
-TEST_F(DataPlot, shifts_that_are_ready_are_kept) {
-    make_four_plots();
-    AutoShiftsReady = 1;
-    CurveShift[0][1] = 5;
-    EXPECT_EQ(count(plotted(1).message, "hift"), 0);
-    EXPECT_EQ(CurveShift[0][1], 5);
 }
 
 // ---- What is in a plot -------------------------------------------------------------------------
