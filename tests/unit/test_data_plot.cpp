@@ -94,6 +94,14 @@ TEST_F(DataPlot, shifts_are_made_for_data_alone_too) {
     EXPECT_EQ(CurveShift[0][1], 2);
 }
 
+// No file has a column twice.
+TEST_F(DataPlot, a_kind_that_stands_twice_is_named_once) {
+    set_plot_columns({P_GINT_S, P_GINT_SEC, P_GINT_SEC, P_GINT_IAT});
+    combine_all();
+    EXPECT_TRUE(
+        contains(sent([] { write_settings(1, 1, 0.0, 2.0); }), "\nset ylabel \"Sec., Iat.\" \n"));
+}
+
 // ---- What is in a plot -------------------------------------------------------------------------
 
 TEST_F(DataPlot, column_0_is_in_no_plot) {

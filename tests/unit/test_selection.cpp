@@ -51,7 +51,10 @@ TEST_F(Selection, a_kind_list_of_99_characters_is_taken_and_a_longer_one_refused
 // ---- Pair items --------------------------------------------------------------------------------
 
 TEST_F(Selection, a_bad_pair_is_reported_whole_and_touches_nothing) {
-    for (const std::string item : {"08-1", "3", "1-2-3", ""}) {
+    // No list has items as long as the last two.
+    const std::string digits(100, '1');
+    for (const std::string& item : {std::string("08-1"), std::string("3"), std::string("1-2-3"),
+                                    digits + "-1", "1-" + digits}) {
         SCOPED_TRACE(item);
         int Nd = -77, Nc = -77, result = -1;
         EXPECT_EQ(said([&] { result = parse_int_curve(item.c_str(), &Nd, &Nc); }),

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+//
+// The classes of kinds, and what the cases of the topic shifts do not show.
 #include <string>
 #include <vector>
 
@@ -36,28 +38,6 @@ TEST_F(Shifts, equal_intensities_are_stacked_by_a_fifth_of_their_extent) {
     EXPECT_EQ(Nbuf, 0);
 }
 
-TEST_F(Shifts, the_multiplier_scales_the_whole_shift) {
-    set_plot_columns({P_GINT_S, P_GINT_INT});
-    add_set(1, 1, {X, curve(0)});
-    add_set(2, 1, {X, curve(0)});
-    ShiftMult = 0.5;
-    const std::string message = calculate();
-    EXPECT_TRUE(contains(message, "(2-1)> i=1, j=1, k=1, l=1 (shift=4.000000)\n"));
-    EXPECT_TRUE(contains(message,
-                         "shiftMult=0.500000\nTot.Exp.Int. (1-1) AutoShift=1.000000\n"
-                         "Tot.Exp.Int. (2-1) AutoShift=2.000000\n"));
-    EXPECT_EQ(CurveShift[0][1], 1);
-    EXPECT_EQ(CurveShift[1][1], 2);
-}
-
-TEST_F(Shifts, a_negative_multiplier_is_one) {
-    set_plot_columns({P_GINT_S, P_GINT_INT});
-    add_set(1, 1, {X, curve(0)});
-    ShiftMult = -2;
-    EXPECT_TRUE(contains(calculate(), "shiftMult=-2.000000\n"));
-    EXPECT_EQ(CurveShift[0][1], -4);
-}
-
 // With nothing else there, the shift is the gap, which is another one for each class.
 TEST_F(Shifts, every_kind_has_its_class) {
     const struct {
@@ -81,100 +61,12 @@ TEST_F(Shifts, every_kind_has_its_class) {
     }
 }
 
-TEST_F(Shifts, kinds_that_are_never_shifted_are_told_with_zero) {
-    set_plot_columns({P_GINT_S, P_GINT_SEC, P_GINT_IAT});
-    add_set(1, 1, {X, curve(0), curve(0)});
-    add_set(1, 2, {X, curve(0), curve(0)});
-    EXPECT_EQ(calculate(),
-              "shiftMult=1.000000\nSec. (1-1) AutoShift=0.000000\nIat. (1-1) AutoShift=0.000000\n"
-              "Sec. (1-2) AutoShift=0.000000\nIat. (1-2) AutoShift=0.000000\n");
-}
-
-TEST_F(Shifts, the_first_delta_intensity_goes_below_all_intensities) {
-    set_plot_columns({P_GINT_S, P_GINT_DINT, P_GINT_INT});
-    add_set(1, 1, {X, {1, 3, 1}, {100, 110, 100}});
-    add_set(2, 1, {X, {1, 3, 1}, {100, 110, 100}});
-    calculate();
-    EXPECT_EQ(CurveShift[0][2], 2);
-    EXPECT_EQ(CurveShift[1][2], 4);
-    EXPECT_EQ(CurveShift[0][1], 101 - 1.0);  // 102 - 1 down to the envelope, gap 0.5 * 2
-    EXPECT_EQ(CurveShift[1][1], 100 - 1.0);  // below the first one, by the same gap
-}
-
-TEST_F(Shifts, stages_come_one_after_another_whatever_the_columns_order) {
-    set_plot_columns({P_GINT_S, P_GINT_DSMS, P_GINT_SMS, P_GINT_DINT, P_GINT_INT});
-    add_set(1, 1, {X, {0, 1, 0}, {0, 2, 0}, {0, 4, 0}, {0, 10, 0}});
-    EXPECT_EQ(calculate(),
-              "bcs> n=3 Nbuf=0\nTot.Exp.Int. (1-1)> i=1, j=1, k=0, l=4 (shift=2.000000)\n"
-              "bcs> n=3 Nbuf=1\nDelta.I (1-1)> i=1, j=1, k=0, l=3 (shift=0.000000)\n"
-              "bcs> n=3 Nbuf=2\nExp.sM(s) (1-1)> i=1, j=1, k=0, l=2 (shift=11.000000)\n"
-              "bcs> n=3 Nbuf=3\nD.sM(s) (1-1)> i=1, j=1, k=0, l=1 (shift=-1.000000)\n"
-              "shiftMult=1.000000\nD.sM(s) (1-1) AutoShift=-1.000000\n"
-              "Exp.sM(s) (1-1) AutoShift=11.000000\nDelta.I (1-1) AutoShift=0.000000\n"
-              "Tot.Exp.Int. (1-1) AutoShift=2.000000\n");
-}
-
-TEST_F(Shifts, intensities_of_one_curve_share_the_shift_of_the_first_column) {
-    set_plot_columns({P_GINT_S, P_GINT_BGL, P_GINT_INT});
-    add_set(1, 1, {X, {0, 5, 0}, {0, 50, 0}});
-    add_set(2, 1, {X, {0, 5, 0}, {0, 50, 0}});
-    EXPECT_EQ(calculate(),
-              "bcs> n=3 Nbuf=0\nBgl. (1-1)> i=1, j=1, k=0, l=1 (shift=1.000000)\n"
-              "Tot.Exp.Int. (1-1)> i=1, j=1, k=0, l=2 (shift=1.000000)\n"
-              // The background of the second clears the intensity of the first.
-              "bcs> n=3 Nbuf=2\nBgl. (2-1)> i=1, j=1, k=1, l=1 (shift=47.000000)\n"
-              "Tot.Exp.Int. (2-1)> i=1, j=1, k=1, l=2 (shift=47.000000)\n"
-              "shiftMult=1.000000\nBgl. (1-1) AutoShift=1.000000\n"
-              "Tot.Exp.Int. (1-1) AutoShift=1.000000\nBgl. (2-1) AutoShift=47.000000\n"
-              "Tot.Exp.Int. (2-1) AutoShift=47.000000\n");
-}
-
-TEST_F(Shifts, both_sms_of_one_curve_share_a_shift) {
-    set_plot_columns({P_GINT_S, P_GINT_TSMS, P_GINT_SMS});
-    add_set(1, 1, {X, {0, 2, 0}, {0, 100, 0}});
-    calculate();
-    EXPECT_EQ(CurveShift[0][1], 1);
-    EXPECT_EQ(CurveShift[0][2], 1);
-}
-
 TEST_F(Shifts, deltas_of_one_curve_do_not_share_a_shift) {
     set_plot_columns({P_GINT_S, P_GINT_DSMS, P_GINT_DSMS});
     add_set(1, 1, {X, {0, 2, 0}, {0, 2, 0}});
     calculate();
     EXPECT_EQ(CurveShift[0][1], -2);
     EXPECT_EQ(CurveShift[0][2], -4);
-}
-
-TEST_F(Shifts, a_gap_is_that_of_the_first_curve_of_its_class) {
-    set_plot_columns({P_GINT_S, P_GINT_TSMS});
-    add_set(1, 1, {X, {0, 2, 0}});
-    add_set(2, 1, {X, {0, 20, 0}});
-    add_set(3, 1, {X, {0, 200, 0}});
-    calculate();
-    EXPECT_EQ(CurveShift[0][1], 1);
-    EXPECT_EQ(CurveShift[1][1], 2);
-    EXPECT_EQ(CurveShift[2][1], 3);
-}
-
-TEST_F(Shifts, only_the_curves_and_columns_of_the_plot_take_part) {
-    set_plot_columns({P_GINT_S, P_GINT_INT, P_GINT_BGL});
-    for (int Nd = 1; Nd <= 3; Nd++)
-        add_set(Nd, 1, {X, curve(0), curve(0)});
-    CurvePlotGroup[0] = 1;
-    CurvePlotGroup[1] = CurvePlotGroup[2] = 2;
-    ColPlotGroup[1] = 1;
-    ColPlotGroup[2] = 2;
-    CurveShift[0][1] = CurveShift[1][1] = 77;
-    EXPECT_EQ(said([] {
-                  calc_shifts({2, 2});
-              }),
-              "bcs> n=3 Nbuf=0\nBgl. (2-1)> i=2, j=2, k=1, l=2 (shift=2.000000)\n"
-              "bcs> n=3 Nbuf=1\nBgl. (3-1)> i=2, j=2, k=2, l=2 (shift=4.000000)\n"
-              "shiftMult=1.000000\nBgl. (2-1) AutoShift=2.000000\n"
-              "Bgl. (3-1) AutoShift=4.000000\n");
-    EXPECT_EQ(CurveShift[0][1], 77);
-    EXPECT_EQ(CurveShift[1][1], 77);
-    EXPECT_EQ(CurveShift[0][2], 0);
 }
 
 TEST_F(Shifts, deviations_are_never_placed) {
@@ -217,25 +109,4 @@ TEST_F(Shifts, what_was_in_the_buffer_before_does_not_count) {
     calculate();
     EXPECT_EQ(CurveShift[0][1], 2);
     EXPECT_EQ(Nbuf, 0);
-}
-
-TEST_F(Shifts, nothing_to_place_is_told_by_the_multiplier_alone) {
-    set_plot_columns({P_GINT_S, P_GINT_INT});
-    EXPECT_EQ(calculate(), "shiftMult=1.000000\n");
-    EXPECT_EQ(AutoShiftsReady, 1);
-}
-
-TEST_F(Shifts, equal_abscissae_end_the_run) {
-    set_plot_columns({P_GINT_S, P_GINT_INT});
-    add_set(1, 1, {{1, 1}, {2, 3}});
-    add_set(2, 1, {{1, 1}, {2, 3}});
-    combine_all();
-    EXPECT_TRUE(
-        ended_with(in_child([] {
-                       calc_shifts({1, 1});
-                   }),
-                   1,
-                   "bcs> n=2 Nbuf=0\nTot.Exp.Int. (1-1)> i=1, j=1, k=0, l=1 (shift=0.200000)\n"
-                   "bcs> n=2 Nbuf=1\n",
-                   "linear interpolation: step error."));
 }
