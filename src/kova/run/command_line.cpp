@@ -21,16 +21,20 @@ static void enter_popt() {
 
 static void leave_popt() {
     InPopt = false;
+    // GCOV_EXCL_START no memory: faults/memory, here and below
     if (errno == ENOMEM)
         fail(stderr, "Cannot allocate memory\n");
+    // GCOV_EXCL_STOP
 }
 
 // popt ends the run itself where it has printed the help, and where it does see a lack of memory.
 static void end_in_popt() {
-    if (!InPopt || errno != ENOMEM)
+    if (!InPopt || errno != ENOMEM)  // GCOV_EXCL_BR_LINE
         return;
+    // GCOV_EXCL_START
     complain("Cannot allocate memory\n");
     _exit(EXIT_FAILURE);
+    // GCOV_EXCL_STOP
 }
 
 static poptContext new_context(int argc, char** argv, const poptOption* table,

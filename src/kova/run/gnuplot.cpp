@@ -26,8 +26,10 @@ static void drop_collected() {
 
 // Passes on what gnuplot has said so far. False if it could not be read.
 static bool pass_on_collected() {
+    // GCOV_EXCL_START a file of messages that fails: faults/calls
     const bool good =
         std::fseek(Collected, 0, SEEK_SET) == 0 && pass_on_complaints(Collected, stderr);
+    // GCOV_EXCL_STOP
     const int error = errno;
     drop_collected();
     errno = error;
@@ -56,14 +58,18 @@ static bool complains_about_us() {
 // Makes the file our standard error. An interruption passes: what we have to say must not stay
 // among the collected complaints.
 static void set_standard_error(int file) {
+    // GCOV_EXCL_START an interruption: faults/calls
     while (dup2(file, STDERR_FILENO) == -1 && (errno == EINTR || errno == EBUSY))
         continue;
+    // GCOV_EXCL_STOP
 }
 
 // True if the file is ready to collect: a gnuplot that goes on after us writes where it ends, even
 // where we have read it.
 static bool prepare_collecting(int file) {
+    // GCOV_EXCL_START calls that fail, here and below: faults/calls
     return fcntl(file, F_SETFD, FD_CLOEXEC) != -1 && fcntl(file, F_SETFL, O_APPEND) != -1;
+    // GCOV_EXCL_STOP
 }
 
 // ---- Start -------------------------------------------------------------------------------------
@@ -75,19 +81,19 @@ static FILE* start_process() {
 // Starts the process with a file for its standard error. Null if it cannot be started so.
 static FILE* start_collected() {
     Collected = std::tmpfile();
-    if (Collected == nullptr)
-        return nullptr;
+    if (Collected == nullptr)  // GCOV_EXCL_BR_LINE
+        return nullptr;        // GCOV_EXCL_LINE
     const int own = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     FILE* pipe = nullptr;
-    if (own != -1 && prepare_collecting(fileno(Collected))) {
+    if (own != -1 && prepare_collecting(fileno(Collected))) {  // GCOV_EXCL_BR_LINE
         set_standard_error(fileno(Collected));
         pipe = start_process();
         set_standard_error(own);
     }
-    if (own != -1)
+    if (own != -1)  // GCOV_EXCL_BR_LINE
         close(own);
-    if (pipe == nullptr)
-        drop_collected();
+    if (pipe == nullptr)   // GCOV_EXCL_BR_LINE
+        drop_collected();  // GCOV_EXCL_LINE
     return pipe;
 }
 
@@ -120,8 +126,10 @@ static const char* start_terminal() {
 // Starts the process with StartTerminal in its environment; ours is as before afterwards.
 static FILE* start_with_terminal() {
     const bool was_empty = std::getenv("GNUTERM") != nullptr;
+    // GCOV_EXCL_START no memory: faults/memory
     if (setenv("GNUTERM", StartTerminal, 1) != 0)
         fail(stderr, "Cannot allocate memory\n");
+    // GCOV_EXCL_STOP
     FILE* pipe = start_either_way();
     const int error = errno;
     if (was_empty)
@@ -151,8 +159,10 @@ void gnuplot_close() {
     const bool is_lost = std::fflush(f) != 0 || std::ferror(f) != 0;
     const int status = pclose(f);
     f = nullptr;
+    // GCOV_EXCL_START a file of messages that fails: faults/calls
     if (Collected != nullptr && !pass_on_collected())
         fail(stderr, "Cannot read the messages of gnuplot: %s\n", std::strerror(errno));
+    // GCOV_EXCL_STOP
     if (is_lost || status != 0)
         complain("Unable to close GnuPlot pipe.\n");
 }
