@@ -55,3 +55,15 @@ TEST_F(Tables, of_layout_1_that_are_not_there_leave_the_columns_alone) {
     EXPECT_EQ(ColType[0], 7);
     EXPECT_EQ(PlotColType[0], 7);
 }
+
+TEST_F(Tables, of_layout_1_are_forgotten_at_every_mark) {
+    TableN = 2;
+    Ncols = NcolsToPlot = 2;
+    ColType[1] = TypePos[1] = PlotColType[1] = PlotTypePos[1] = 7;
+    const text_file_t file("GED curves.\n\n");
+    EXPECT_EQ(said([&] { parse_kova_int_tables_ver1(file.name()); }), "");
+    EXPECT_EQ(Ncols, 0);
+    EXPECT_EQ(NcolsToPlot, 0);
+    for (int j = 0; j < MAX_COLS; j++)
+        EXPECT_EQ(ColType[j] | TypePos[j] | PlotColType[j] | PlotTypePos[j], 0);
+}
