@@ -3,14 +3,10 @@
 // The functions that work on every number, each beside the plain way, in pairs "WHAT/gravlex" and
 // "WHAT/plain". Both of a pair do the same work on the same data.
 #include <benchmark/benchmark.h>
-#include <popt.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
-#include <cctype>
-#include <cerrno>
 #include <cmath>
-#include <csignal>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,13 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "common/start.h"
 #include "input/input.h"
+#include "plain/plain.h"
 #include "plot/plot.h"
-
-// The plain way is one file; all headers that it includes have been included above.
-namespace plain {
-#include "plain.cpp"  // NOLINT(bugprone-suspicious-include)
-}
 
 // ---- Data --------------------------------------------------------------------------------------
 
@@ -53,6 +46,7 @@ static std::string make_row(int k) {
     return row + "\n";
 }
 
+// In the program and in the reference.
 static void fill_store(int sets) {
     release_curves();
     NcolsToPlot = KINDS;
@@ -70,29 +64,7 @@ static void fill_store(int sets) {
         PlotColType[j] = Kinds[j];
         ColPlotGroup[j] = 1;
     }
-}
-
-// The same store for both.
-static void fill_stores(int sets) {
-    fill_store(sets);
-    plain::release();
-    plain::reset_sets();
-    plain::CurveScaleFactor = nullptr;
-    plain::NcolsToPlot = KINDS;
-    for (int set = 0; set < sets; set++) {
-        plain::append_set(CurveNd[set], CurveNc[set], 1.0);
-        plain::create_columns();
-        plain::CurvePlotGroup[set] = 1;
-        plain::Npts[set] = ROWS;
-        for (int j = 0; j < KINDS; j++) {
-            plain::Curve[set][j] = resized<double>(nullptr, ROWS);
-            std::memcpy(plain::Curve[set][j], Curve[set][j], ROWS * sizeof(double));
-        }
-    }
-    for (int j = 0; j < KINDS; j++) {
-        plain::PlotColType[j] = Kinds[j];
-        plain::ColPlotGroup[j] = 1;
-    }
+    share_curves();
 }
 
 // ---- A line ------------------------------------------------------------------------------------
@@ -149,6 +121,8 @@ static std::vector<std::string> make_rows() {
     return rows;
 }
 
+// The plain way, which the reference cannot take: what is a number for it depends on the release
+// of the C library.
 static int scan_numbers(const char* line, double (&d)[MAX_NUMBERS]) {
     return std::sscanf(line,
                        "%lf %lf %lf %lf %lf %lf %lf %lf %lf %lf "
@@ -176,7 +150,7 @@ constexpr int SETS_WRITTEN = 20;
 
 // All series of a plot, as they are sent; what takes them costs nothing.
 static void rows_written(benchmark::State& state, std::FILE** pipe, void (*write)(int, int)) {
-    fill_stores(SETS_WRITTEN);
+    fill_store(SETS_WRITTEN);
     *pipe = std::fopen("/dev/null", "w");
     for (auto _ : state)
         write(1, 1);
@@ -186,7 +160,8 @@ static void rows_written(benchmark::State& state, std::FILE** pipe, void (*write
 BENCHMARK_CAPTURE(rows_written, gravlex, &f, [](int g, int h) {
     write_data_blocks({g, h});
 })->Name("row written/gravlex");
-BENCHMARK_CAPTURE(rows_written, plain, &plain::f, plain::write_data)->Name("row written/plain");
+BENCHMARK_CAPTURE(rows_written, plain, &plain::f, plain::write_data_blocks)
+    ->Name("row written/plain");
 
 // ---- A look-up ---------------------------------------------------------------------------------
 
@@ -209,20 +184,19 @@ static void look_up(benchmark::State& state, void (*empty)(),
 }
 BENCHMARK_CAPTURE(look_up, gravlex, buf_initialize, buf_add, buf_y_min_max)
     ->Name("look-up/gravlex")
-    ->Arg(10)
-    ->Arg(100);
+    ->ArgsProduct({{10, 100}});
 BENCHMARK_CAPTURE(look_up, plain, plain::buf_initialize, plain::buf_add, plain::buf_y_min_max)
     ->Name("look-up/plain")
-    ->Arg(10)
-    ->Arg(100);
+    ->ArgsProduct({{10, 100}});
 
 // ---- A shift phase -----------------------------------------------------------------------------
 
 static bool shifts_agree(int sets) {
     calc_shifts({1, 1});
-    plain::compute_shifts(1, 1);
+    plain::calc_shifts(1, 1);
     for (int set = 0; set < sets; set++) {
-        if (std::memcmp(CurveShift[set], plain::CurveShift[set], KINDS * sizeof(double)) != 0)
+        const plain::curve_t& expected = plain::Table.curves[static_cast<std::size_t>(set)];
+        if (std::memcmp(CurveShift[set], expected.Shift, KINDS * sizeof(double)) != 0)
             return false;
     }
     return true;
@@ -230,7 +204,7 @@ static bool shifts_agree(int sets) {
 
 static void shift_phase(benchmark::State& state, void (*calculate)(int, int)) {
     const int sets = static_cast<int>(state.range(0));
-    fill_stores(sets);
+    fill_store(sets);
     if (!shifts_agree(sets)) {
         state.SkipWithError("the shifts differ");
         return;
@@ -244,14 +218,10 @@ BENCHMARK_CAPTURE(shift_phase, gravlex,
                       calc_shifts({g, h});
                   })
     ->Name("shift phase/gravlex")
-    ->Arg(25)
-    ->Arg(50)
-    ->Arg(100);
-BENCHMARK_CAPTURE(shift_phase, plain, plain::compute_shifts)
+    ->ArgsProduct({{25, 50, 100}});
+BENCHMARK_CAPTURE(shift_phase, plain, plain::calc_shifts)
     ->Name("shift phase/plain")
-    ->Arg(25)
-    ->Arg(50)
-    ->Arg(100);
+    ->ArgsProduct({{25, 50, 100}});
 
 // ------------------------------------------------------------------------------------------------
 

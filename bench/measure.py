@@ -44,7 +44,8 @@ class Bench:
         self.build = build.resolve()
         self.folder = self.build / "bench"
         self.costs = self.folder / "costs"
-        self.programs = {"gravlex": self.build / "gravlex", "plain": self.folder / "plain"}
+        self.programs = {"gravlex": self.build / "gravlex",
+                         "plain": self.build / "tests" / "plain" / "plain"}
         self.swallowing = self.install_gnuplot(
             "swallow", f'exec "{self.folder / "swallow"}"')
         self.real = self.install_gnuplot(

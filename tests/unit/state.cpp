@@ -6,64 +6,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <tuple>
 
 #include "input/input.h"
-#include "plot/plot.h"
-#include "run/run.h"
 
 // There in programs that are built with the leak sanitizer.
 extern "C" void __lsan_disable() __attribute__((weak));
-
-// ---- State -------------------------------------------------------------------------------------
-
-static auto settings() {
-    return std::tie(ImgFname, MakeImage, wx, wy, PlotGrid, PlotLegend, PlotXtics, PlotYtics,
-                    PlotX2tics, PlotY2tics, PlotRatio, UserTerminal, UserTerminalName,
-                    PlotBglPlus1, MultiPlot, AutoShifts, ShiftMult, LineWidthFactor,
-                    ErrLineWidthFactor, PointSizeFactor, smsStdevFactor, ErrFillAlpha, Gxmin,
-                    Gxmax, TableN, DataToRead, DataToCombine, NparToRead, ParToReadNum1,
-                    ParToReadNum2, NparToCombine, ParToCombineNum1, ParToCombineNum2, smsErrBars,
-                    dsmsErrBars, smsErrFill, dsmsErrFill, dsmslErrFill);
-}
-
-// All but the store and the curve buffer, which have functions that empty them.
-static auto later_state() {
-    return std::tie(ColGroupsToPlot, CurveGroupsToPlot, CurCurvesGroupToPlot, CurDataGroupToPlot,
-                    AutoShiftsReady, YrangeMin, YrangeMax, f);
-}
-
-template <class... variable_t>
-static std::tuple<variable_t...> values_of(const std::tuple<variable_t&...>& variables) {
-    return variables;
-}
-
-// Taken before main() and so before anything could change them.
-static const auto SettingsAtStart = values_of(settings());
-static const auto LaterAtStart = values_of(later_state());
-static const auto TypeAtStart = std::to_array(Type);
-static const auto ColErrIdxAtStart = std::to_array(ColErrIdx);
-static const auto ColPlotGroupAtStart = std::to_array(ColPlotGroup);
-
-void reset_state() {
-    for (int* list : {ParToReadNum1, ParToReadNum2, ParToCombineNum1, ParToCombineNum2})
-        std::free(list);
-    release_curves();
-    clear_columns();
-    buf_initialize();
-    release_rows();
-    settings() = SettingsAtStart;
-    later_state() = LaterAtStart;
-    std::copy(TypeAtStart.begin(), TypeAtStart.end(), Type);
-    std::copy(ColErrIdxAtStart.begin(), ColErrIdxAtStart.end(), ColErrIdx);
-    std::copy(ColPlotGroupAtStart.begin(), ColPlotGroupAtStart.end(), ColPlotGroup);
-}
 
 // ---- Output ------------------------------------------------------------------------------------
 

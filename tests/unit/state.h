@@ -11,9 +11,7 @@
 #include <string>
 #include <vector>
 
-// Sets every process-wide variable to the value that it had when the program started and releases
-// the store, the curve buffer and the pair lists.
-void reset_state();
+#include "common/start.h"
 
 class Fresh : public testing::Test {
   protected:

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// Stacking against the second computation of naive.h, over random curves: to the last bit.
+// Stacking against the reference, over random curves: to the last bit.
 #include <algorithm>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "input/input.h"
-#include "naive.h"
+#include "plain/plain.h"
 #include "plot/plot.h"
 #include "random.h"
 #include "state.h"
@@ -90,16 +90,17 @@ static column_t ordinates(random_t* random, int n) {
 }
 
 static column_t hostile_ordinates(random_t* random, int n) {
+    using limits = std::numeric_limits<double>;
     static const double values[10] = {0.0,
                                       -0.0,
                                       1.0,
                                       -1.0,
                                       1e300,
                                       -1e300,
-                                      std::numeric_limits<double>::denorm_min(),
-                                      std::numeric_limits<double>::infinity(),
-                                      -std::numeric_limits<double>::infinity(),
-                                      std::numeric_limits<double>::quiet_NaN()};
+                                      limits::denorm_min(),
+                                      limits::infinity(),
+                                      -limits::infinity(),
+                                      limits::quiet_NaN()};
     column_t y;
     for (int k = 0; k < n; k++)
         y.push_back(values[random->below(random->below(3) == 0 ? 10 : 4)]);
@@ -108,45 +109,55 @@ static column_t hostile_ordinates(random_t* random, int n) {
 
 // ---- The buffer --------------------------------------------------------------------------------
 
-static void expect_same_envelope(naive_buffer_t* naive, double x) {
-    double lowest, highest;
-    const envelope_t expected = naive->at(x);
-    ASSERT_EQ(buf_y_min_max(x, &lowest, &highest), expected.count) << "at " << x;
-    ASSERT_EQ(bits(lowest), bits(expected.lowest)) << "at " << x;
-    ASSERT_EQ(bits(highest), bits(expected.highest)) << "at " << x;
+// Both buffers, empty.
+static void empty_buffers() {
+    buf_initialize();
+    plain::buf_initialize();
 }
 
-static void expect_same_shift(naive_buffer_t* naive, const column_t& x, const column_t& y,
-                              double direction) {
-    double shift = 0.0, lowest = 0.0, highest = 0.0;
-    said([&] {
-        shift = buf_calc_shift(static_cast<int>(x.size()), x.data(), y.data(), &lowest, &highest,
-                               direction);
-    });
-    const naive_shift_t expected = naive->shift_of(x, y, direction);
-    ASSERT_EQ(bits(shift), bits(expected.shift));
-    ASSERT_EQ(bits(lowest), bits(expected.lowest));
-    ASSERT_EQ(bits(highest), bits(expected.highest));
+static void add_to_both(const column_t& x, const column_t& y, double shift) {
+    const int n = static_cast<int>(x.size());
+    buf_add(n, x.data(), y.data(), shift);
+    plain::buf_add(n, x.data(), y.data(), shift);
+}
+
+static void expect_same_envelope(double x) {
+    double lowest, highest, plain_lowest, plain_highest;
+    ASSERT_EQ(buf_y_min_max(x, &lowest, &highest),
+              plain::buf_y_min_max(x, &plain_lowest, &plain_highest))
+        << "at " << x;
+    ASSERT_EQ(bits(lowest), bits(plain_lowest)) << "at " << x;
+    ASSERT_EQ(bits(highest), bits(plain_highest)) << "at " << x;
+}
+
+static void expect_same_shift(const column_t& x, const column_t& y, double direction) {
+    double got[3] = {}, expected[3] = {};
+    const auto shift_by = [&](auto calculate, double(&r)[3]) {
+        return said([&] {
+            r[0] =
+                calculate(static_cast<int>(x.size()), x.data(), y.data(), &r[1], &r[2], direction);
+        });
+    };
+    ASSERT_EQ(shift_by(buf_calc_shift, got), shift_by(plain::buf_calc_shift, expected));
+    for (int i = 0; i < 3; i++)
+        ASSERT_EQ(bits(got[i]), bits(expected[i])) << i;
 }
 
 // Adds some curves and after each of them looks up points, its own among them, and shifts.
 static void compare_buffers(unsigned seed, const spacings_t& spacings, bool hostile) {
     SCOPED_TRACE(seed);
     random_t random(seed);
-    naive_buffer_t naive;
-    buf_initialize();
+    empty_buffers();
     const std::vector<column_t> xs = choices(&random, spacings);
     for (int curve = 0; curve < 8; curve++) {
         const column_t& x = choose(&random, xs);
         const int n = static_cast<int>(x.size());
         const column_t y = hostile ? hostile_ordinates(&random, n) : ordinates(&random, n);
-        expect_same_shift(&naive, x, y, random.below(2) == 0 ? +1.0 : -1.0);
-        const double shift = hostile ? -0.0 : 5.0 * random.unit();  // -0.0 keeps both zeros
-        buf_add(n, x.data(), y.data(), shift);
-        naive.add(x, y, shift);
+        expect_same_shift(x, y, random.below(2) == 0 ? +1.0 : -1.0);
+        add_to_both(x, y, hostile ? -0.0 : 5.0 * random.unit());  // -0.0 keeps both zeros
         for (int i = 0; i < 40; i++) {
             const double own = x[static_cast<std::size_t>(random.below(n))];
-            expect_same_envelope(&naive, random.below(2) == 0 ? own : 15.0 * random.unit());
+            expect_same_envelope(random.below(2) == 0 ? own : 15.0 * random.unit());
         }
         if (testing::Test::HasFatalFailure())
             return;
@@ -161,17 +172,17 @@ static void compare_many(unsigned seed, const spacings_t& spacings) {
     }
 }
 
-TEST_F(Stacking, rising_abscissae_have_the_naive_envelope) {
+TEST_F(Stacking, rising_abscissae_have_the_plain_envelope) {
     compare_many(1000, {REGULAR});
     compare_many(2000, {IRREGULAR});
     compare_many(3000, {EXTREME});
 }
 
-TEST_F(Stacking, falling_abscissae_have_the_naive_envelope) {
+TEST_F(Stacking, falling_abscissae_have_the_plain_envelope) {
     compare_many(4000, {FALLING});
 }
 
-TEST_F(Stacking, unsorted_abscissae_follow_the_naive_search) {
+TEST_F(Stacking, unsorted_abscissae_follow_the_plain_search) {
     compare_many(5000, {UNSORTED});
 }
 
@@ -180,40 +191,45 @@ TEST_F(Stacking, rising_and_unsorted_abscissae_may_be_mixed) {
     compare_many(7000, {REGULAR, REGULAR, REGULAR, UNSORTED});
 }
 
-// Where the naive computation meets a step the run ends, and nowhere else.
-TEST_F(Stacking, repeated_abscissae_end_where_the_naive_search_ends) {
+// True if the reference ends the run at this look-up, which is not made then.
+static bool meets_step(double x) {
+    const std::vector<plain::buf_t> before = plain::buf;
+    bool is_step = false;
+    double lowest, highest;
+    try {
+        plain::buf_y_min_max(x, &lowest, &highest);
+    } catch (const plain::run_ended_t&) {
+        is_step = true;
+    }
+    plain::buf = before;
+    return is_step;
+}
+
+// Where the reference meets a step the run ends, and nowhere else.
+TEST_F(Stacking, repeated_abscissae_end_where_the_reference_ends) {
     int steps = 0;
     for (unsigned seed = 8000; seed < 8060; seed++) {
         SCOPED_TRACE(seed);
-        bool is_step = false;
         random_t random(seed);
-        naive_buffer_t naive;
-        buf_initialize();
+        empty_buffers();
         for (int curve = 0; curve < 3; curve++) {
             const int n = 2 + random.below(10);
-            const column_t x = abscissae(&random, REPEATED, n), y = ordinates(&random, n);
-            naive.add(x, y, 0.0);
-            buf_add(n, x.data(), y.data(), 0.0);
+            const column_t x = abscissae(&random, REPEATED, n);
+            add_to_both(x, ordinates(&random, n), 0.0);
         }
-        for (int i = 0; i < 60 && !is_step; i++) {
+        for (int i = 0; i < 60; i++) {
             const buf_t& curve = buf[random.below(Nbuf)];
             const double x =
                 random.below(2) == 0 ? curve.x[random.below(curve.n)] : 15.0 * random.unit();
-            const naive_buffer_t before = naive;
-            try {
-                naive.at(x);
-            } catch (const step_error_t&) {
-                is_step = true;
-            }
-            naive = before;
-            if (!is_step) {
-                expect_same_envelope(&naive, x);
+            if (!meets_step(x)) {
+                expect_same_envelope(x);
                 continue;
             }
             steps++;
             double lowest, highest;
             EXPECT_TRUE(ended_with(in_child([&] { buf_y_min_max(x, &lowest, &highest); }), 1, "",
                                    "linear interpolation: step error."));
+            break;
         }
         ASSERT_FALSE(HasFatalFailure());
     }
@@ -253,18 +269,26 @@ static void compare_phases(unsigned seed, const spacings_t& spacings, int sets) 
     reset_state();
     random_t random(seed);
     make_store(&random, spacings, sets);
-    const naive_stack_t expected = naive_stack(1, 1);
-    if (expected.is_step) {
-        ASSERT_TRUE(ended_with(in_child([] {
-                                   calc_shifts({1, 1});
-                               }),
-                               1, expected.trace, "linear interpolation: step error."));
+    share_curves();
+    plain::Options.ShiftMult = ShiftMult;
+    plain::Options.smsErrBars = smsErrBars;
+    std::string error;
+    const std::string trace = said([&] {
+        try {
+            plain::calc_shifts(1, 1);
+        } catch (const plain::run_ended_t& ended) {
+            error = ended.message;
+        }
+    });
+    if (error != "") {
+        ASSERT_TRUE(ended_with(in_child([] { calc_shifts({1, 1}); }), 1, trace, error));
         return;
     }
-    ASSERT_EQ(said([] { calc_shifts({1, 1}); }), expected.trace);
-    for (std::size_t k = 0; k < expected.shift.size(); k++) {
-        for (std::size_t l = 0; l < expected.shift[k].size(); l++)
-            ASSERT_EQ(bits(CurveShift[k][l]), bits(expected.shift[k][l])) << k << ", " << l;
+    ASSERT_EQ(said([] { calc_shifts({1, 1}); }), trace);
+    for (int k = 0; k < Ncurves; k++) {
+        const plain::curve_t& expected = plain::Table.curves[static_cast<std::size_t>(k)];
+        for (int l = 0; l < NcolsToPlot; l++)
+            ASSERT_EQ(bits(CurveShift[k][l]), bits(expected.Shift[l])) << k << ", " << l;
     }
     ASSERT_EQ(Nbuf, 0);
 }
@@ -277,28 +301,28 @@ static void compare_many_phases(unsigned seed, const spacings_t& spacings) {
     }
 }
 
-TEST_F(Stacking, phases_over_rising_abscissae_are_as_the_naive_one) {
+TEST_F(Stacking, phases_over_rising_abscissae_are_as_the_plain_one) {
     compare_many_phases(10000, {REGULAR});
     compare_many_phases(20000, {IRREGULAR, EXTREME});
 }
 
-TEST_F(Stacking, phases_over_unsorted_abscissae_are_as_the_naive_one) {
+TEST_F(Stacking, phases_over_unsorted_abscissae_are_as_the_plain_one) {
     compare_many_phases(30000, {UNSORTED});
     compare_many_phases(40000, {FALLING});
 }
 
-TEST_F(Stacking, phases_over_mixed_abscissae_are_as_the_naive_one) {
+TEST_F(Stacking, phases_over_mixed_abscissae_are_as_the_plain_one) {
     compare_many_phases(50000, {REGULAR, IRREGULAR, UNSORTED, FALLING, EXTREME});
 }
 
 // Some of these end with a step, and the others must not.
-TEST_F(Stacking, phases_over_repeated_abscissae_end_where_the_naive_one_ends) {
+TEST_F(Stacking, phases_over_repeated_abscissae_end_where_the_plain_one_ends) {
     compare_many_phases(60000, {REPEATED});
     compare_many_phases(70000, {REGULAR, REPEATED});
     compare_many_phases(80000, {UNSORTED, REPEATED});
 }
 
-TEST_F(Stacking, a_phase_of_many_sets_is_as_the_naive_one) {
+TEST_F(Stacking, a_phase_of_many_sets_is_as_the_plain_one) {
     compare_phases(90000, {REGULAR}, 100);
     compare_phases(90001, {IRREGULAR}, 100);
     compare_phases(90002, {IRREGULAR, UNSORTED}, 100);
