@@ -13,24 +13,17 @@
 // none of them is passed over.
 std::vector<std::string> settings_words(bool with_argument);
 
-// Sets everything process-wide back to what it is when the program starts.
-void reset_everything();
-
 // How the file is given.
 struct file_settings_t {
     bool through_pipe;  // --pipe
     std::size_t fill;   // --fill: characters more in its first line, for more than one block
 };
 
-// Sets what the line says.
+// Sets what the line says, in the program and in the reference.
 file_settings_t apply_settings(const std::string& line);
 
-// ---- The stream to gnuplot (files_stream.cpp) --------------------------------------------------
-
-// Requires that one gnuplot, number 0 for the first of the run, is sent nothing but what the
-// grammar of the commands allows, and the data of the store. A run that ended in the middle may
-// leave the stream cut off.
-void check_stream(const std::string& stream, int number, bool is_cut);
+// Releases the settings that are texts.
+void release_settings();
 
 // ---- Files to be drawn (files_mutator.cpp) -----------------------------------------------------
 

@@ -96,24 +96,13 @@ double take_double(bytes_t* bytes) {
 
 double take_number(bytes_t* bytes) {
     using limits_t = std::numeric_limits<double>;
+    // clang-format off
     static const double specials[] = {
-        0.0,
-        -0.0,
-        limits_t::infinity(),
-        -limits_t::infinity(),
-        limits_t::quiet_NaN(),
-        1e99,
-        -1e99,
-        limits_t::max(),
-        -limits_t::max(),
-        limits_t::denorm_min(),
-        1e-310,
-        0.1,
-        1e-7,
-        1e15,
-        0.0000005,
-        -0.0000005,
+        0.0, -0.0, limits_t::infinity(), -limits_t::infinity(), limits_t::quiet_NaN(), 1e99,
+        -1e99, limits_t::max(), -limits_t::max(), limits_t::denorm_min(), 1e-310, 0.1, 1e-7, 1e15,
+        0.0000005, -0.0000005,
     };
+    // clang-format on
     const int choice = take_byte(bytes);
     if (choice < 16)
         return specials[choice];
@@ -177,4 +166,12 @@ void require_same(const std::string& got, const std::string& expected, const cha
     if (got != expected)
         report("---- got:\n%s\n---- instead of:\n%s\n----\n", got.c_str(), expected.c_str());
     require(got == expected, what);
+}
+
+void require_same(const ended_t& got, const ended_t& expected, const char* what) {
+    require_same(without_nan_signs(got.out), without_nan_signs(expected.out), what);
+    require_same(got.err, expected.err, what);
+    if (got.status != expected.status)
+        report("status %d instead of %d\n", got.status, expected.status);
+    require(got.status == expected.status, what);
 }

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "plain/plain.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 // ---- Runs --------------------------------------------------------------------------------------
@@ -32,6 +34,21 @@ const ended_t& run_in_process(void (*act)(void*), void* argument);
 template <class act_t>
 const ended_t& run(act_t act) {
     return run_in_process([](void* argument) { (*static_cast<act_t*>(argument))(); }, &act);
+}
+
+// The same for the reference, which throws where it ends a run.
+template <class act_t>
+ended_t run_plain(act_t act) {
+    int status = RUN_RETURNED;
+    ended_t ended = run([&] {
+        try {
+            act();
+        } catch (const plain::run_ended_t& end) {
+            status = plain::finish(end);
+        }
+    });
+    ended.status = status;
+    return ended;
 }
 
 // ---- Bytes -------------------------------------------------------------------------------------
@@ -67,3 +84,13 @@ void report(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void require(bool good, const char* what);
 void require_same(double got, double expected, const char* what);
 void require_same(const std::string& got, const std::string& expected, const char* what);
+void require_same(const ended_t& got, const ended_t& expected, const char* what);
+
+// Runs the program and the reference, which must end in the same way and say the same, the signs
+// of NaN apart. True if both came to the end of the act.
+template <class act_t, class plain_act_t>
+bool end_the_same(act_t act, plain_act_t plain_act, const char* what) {
+    const ended_t expected = run_plain(plain_act);
+    require_same(run(act), expected, what);
+    return expected.status == RUN_RETURNED;
+}

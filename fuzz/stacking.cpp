@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// The curve buffer, by itself and under the shifts of a whole plot, against the plain way: results
+// The curve buffer, by itself and under the shifts of a whole plot, against the reference: results
 // to the bit, messages, and the step error at the same point.
 #include <algorithm>
 #include <cstdlib>
 
+#include "common/start.h"
 #include "harness.h"
 #include "input/input.h"
-#include "plain_stack.h"
 #include "plot/plot.h"
+
+using column_t = std::vector<double>;
 
 static constexpr int MAX_POINTS = 12;
 static constexpr int MAX_STEPS = 60;
-
-static const char STEP_ERROR[] = "linear interpolation: step error.";
 
 // ---- Curves ------------------------------------------------------------------------------------
 
@@ -61,72 +61,58 @@ static const double* data_of(const column_t& x) {
 
 // ---- The buffer by itself ----------------------------------------------------------------------
 
-// Compares the end of a run. True if it ended with the step error.
-static bool has_failed(const ended_t& ended, bool should_fail) {
-    require((ended.status == 1) == should_fail, "step error: not at the same point");
-    require_same(ended.err, should_fail ? STEP_ERROR : "", "step error: another message");
-    return should_fail;
-}
-
 // False after a step error.
-static bool check_look_up(plain_buffer_t* plain, double x) {
-    double lowest = 0.0, highest = 0.0;
-    int count = 0;
-    bool should_fail = false;
-    try {
-        count = plain_min_max(plain, x, &lowest, &highest);
-    } catch (const step_error_t&) {
-        should_fail = true;
-    }
-    double ymin = 5.0, ymax = 5.0;
-    int rc = -1;
-    const ended_t& ended = run([&] { rc = buf_y_min_max(x, &ymin, &ymax); });
-    if (has_failed(ended, should_fail))
+static bool check_look_up(double x) {
+    double lowest, highest, expected_lowest, expected_highest;
+    int count = -1, expected = -2;
+    if (!end_the_same(
+            [&] { count = buf_y_min_max(x, &lowest, &highest); },
+            [&] { expected = plain::buf_y_min_max(x, &expected_lowest, &expected_highest); },
+            "look-up"))
         return false;
-    require(rc == count, "look-up: another count");
-    require_same(ymin, lowest, "look-up: another minimum");
-    require_same(ymax, highest, "look-up: another maximum");
-    require_same(ended.out, "", "look-up: a message");
+    require(count == expected, "look-up: another count");
+    require_same(lowest, expected_lowest, "look-up: another minimum");
+    require_same(highest, expected_highest, "look-up: another maximum");
     return true;
 }
 
-static bool check_shift(plain_buffer_t* plain, const column_t& x, const column_t& y,
-                        double direction, double* shift) {
-    plain_shift_t expected = {};
-    bool should_fail = false;
-    try {
-        expected = plain_shift_of(plain, x, y, direction);
-    } catch (const step_error_t&) {
-        should_fail = true;
-    }
-    double dmin = 5.0, dmax = 5.0;
-    const ended_t& ended = run([&] {
-        *shift = buf_calc_shift(points(x), data_of(x), data_of(y), &dmin, &dmax, direction);
-    });
-    require_same(ended.out,
-                 "bcs> n=" + std::to_string(x.size()) +
-                     " Nbuf=" + std::to_string(plain->curves.size()) + "\n",
-                 "shift: another message");
-    if (has_failed(ended, should_fail))
+// Also gives the shift.
+static bool check_shift(const column_t& x, const column_t& y, double direction, double* shift) {
+    double dmin, dmax, expected_dmin, expected_dmax, expected = 0.0;
+    const int n = points(x);
+    const double *xs = data_of(x), *ys = data_of(y);
+    if (!end_the_same([&] { *shift = buf_calc_shift(n, xs, ys, &dmin, &dmax, direction); },
+                      [&] {
+                          expected = plain::buf_calc_shift(n, xs, ys, &expected_dmin,
+                                                           &expected_dmax, direction);
+                      },
+                      "shift"))
         return false;
-    require_same(*shift, expected.shift, "shift: another");
-    require_same(dmin, expected.lowest, "shift: another minimum");
-    require_same(dmax, expected.highest, "shift: another maximum");
+    require_same(*shift, expected, "shift: another");
+    require_same(dmin, expected_dmin, "shift: another minimum");
+    require_same(dmax, expected_dmax, "shift: another maximum");
     return true;
+}
+
+static void add(const column_t& x, const column_t& y, double shift) {
+    run([&] { buf_add(points(x), data_of(x), data_of(y), shift); });
+    plain::buf_add(points(x), data_of(x), data_of(y), shift);
+}
+
+static void empty_buffers() {
+    run(buf_initialize);
+    plain::buf_initialize();
 }
 
 static void check_buffer(bytes_t* bytes) {
-    plain_buffer_t plain;
     std::vector<column_t> abscissae;
-    run(buf_initialize);
     bool good = true;
     for (int step = 0; good && bytes->left > 0 && step < MAX_STEPS; step++) {
         const int choice = take_below(bytes, 16);
         if (choice == 0) {
-            run(buf_initialize);
-            plain.curves.clear();
+            empty_buffers();
         } else if (choice < 4) {
-            good = check_look_up(&plain, take_number(bytes));
+            good = check_look_up(take_number(bytes));
         } else {
             const column_t x = choose_abscissa(bytes, &abscissae);
             const column_t y = take_ordinates(bytes, x.size());
@@ -135,21 +121,17 @@ static void check_buffer(bytes_t* bytes) {
             if (choice >= 14)
                 shift = take_number(bytes);
             else
-                good = check_shift(&plain, x, y, direction, &shift);
-            if (good && choice > 7) {
-                run([&] { buf_add(points(x), data_of(x), data_of(y), shift); });
-                plain_add(&plain, x, y, shift);
-            }
+                good = check_shift(x, y, direction, &shift);
+            if (good && choice > 7)
+                add(x, y, shift);
         }
     }
-    run(buf_initialize);
 }
 
 // ---- A whole plot ------------------------------------------------------------------------------
 
 // Any kinds in any order, in two groups.
 static void take_columns(bytes_t* bytes) {
-    clear_columns();
     NcolsToPlot = 2 + take_below(bytes, 6);
     for (int j = 0; j < NcolsToPlot; j++) {
         PlotColType[j] = Type[take_below(bytes, MAX_COLS)].type;
@@ -183,28 +165,20 @@ static void check_plot(bytes_t* bytes) {
     std::vector<column_t> abscissae;
     for (int count = 1 + take_below(bytes, 6); count > 0; count--)
         take_set(bytes, &abscissae);
-    std::vector<column_t> expected;
-    std::string said;
-    bool should_fail = false;
-    try {
-        expected = plain_stack(1, 1, &said);
-    } catch (const step_error_t&) {
-        should_fail = true;
+    share_curves();
+    plain::Options.ShiftMult = ShiftMult;
+    if (!end_the_same([] { calc_shifts({1, 1}); }, [] { plain::calc_shifts(1, 1); }, "plot"))
+        return;
+    for (int k = 0; k < Ncurves; k++) {
+        const plain::curve_t& expected = plain::Table.curves[static_cast<std::size_t>(k)];
+        for (int l = 0; l < NcolsToPlot; l++)
+            require_same(CurveShift[k][l], expected.Shift[l], "plot: another shift");
     }
-    const ended_t& ended = run([] { calc_shifts({1, 1}); });
-    require_same(without_nan_signs(ended.out), without_nan_signs(said), "plot: another message");
-    if (!has_failed(ended, should_fail)) {
-        for (std::size_t k = 0; k < expected.size(); k++) {
-            for (std::size_t l = 0; l < expected[k].size(); l++)
-                require_same(CurveShift[k][l], expected[k][l], "plot: another shift");
-        }
-    }
-    run(buf_initialize);
-    release_curves();
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     bytes_t bytes = {data, size};
+    reset_state();
     if (take_below(&bytes, 2) == 0)
         check_buffer(&bytes);
     else
