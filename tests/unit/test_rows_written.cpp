@@ -31,37 +31,16 @@ static void expect_as_printed(double value) {
 
 TEST_F(RowsWritten, special_numbers_are_written_like_printf_writes_them) {
     using limits = std::numeric_limits<double>;
-    for (const double value : {0.0,
-                               1.0,
-                               0.5,
-                               1e-7,
-                               4.9999999e-7,
-                               5e-7,
-                               5.0000001e-7,
-                               1.5e-6,
-                               0.1,
-                               0.9999994,
-                               0.9999995,
-                               0.9999996,
-                               999999.9999999,
-                               123456.789,
-                               1e15,
-                               1e16,
-                               1e17,
-                               1e22,
-                               1e23,
-                               1e300,
-                               limits::max(),
-                               limits::min(),
-                               limits::denorm_min(),
-                               limits::epsilon(),
-                               limits::infinity(),
-                               limits::quiet_NaN(),
-                               9007199254740993.0,
-                               1099511627776.0,
-                               1099511627775.9999,
-                               549755813888.5,
-                               9.313225746154785e-10})
+    // clang-format off
+    const double values[] = {
+        0.0, 1.0, 0.5, 1e-7, 4.9999999e-7, 5e-7, 5.0000001e-7, 1.5e-6, 0.1, 0.9999994, 0.9999995,
+        0.9999996, 999999.9999999, 123456.789, 1e15, 1e16, 1e17, 1e22, 1e23, 1e300, limits::max(),
+        limits::min(), limits::denorm_min(), limits::epsilon(), limits::infinity(),
+        limits::quiet_NaN(), 9007199254740993.0, 1099511627776.0, 1099511627775.9999,
+        549755813888.5, 9.313225746154785e-10,
+    };
+    // clang-format on
+    for (const double value : values)
         expect_as_printed(value);
 }
 
