@@ -73,7 +73,8 @@ def run(name, memory):
     callers = []
     result = running.run(
         [running.PROGRAM, *arguments.split()], {**FILES, "note": ""}, env=env,
-        afterwards=lambda folder: callers.extend((folder / "work" / "note").read_text().splitlines()))
+        afterwards=lambda folder: callers.extend(
+            (folder / "work" / "note").read_text().splitlines()))
     return result, os.path.basename(callers[0]) if callers else None
 
 

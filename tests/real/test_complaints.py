@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""What the real gnuplot says about a plot, and what of it gravlex passes on. There is no display, as on a server."""
+"""What the real gnuplot says about a plot, and what of it gravlex passes on. There is no
+display, as on a server."""
 
 import pathlib
 import re

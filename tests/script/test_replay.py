@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""The real gnuplot draws from the files of gravlex-script what gravlex draws. There is no display, so pictures of the screen are drawn as images as well."""
+"""The real gnuplot draws from the files of gravlex-script what gravlex draws. There is no
+display, so pictures of the screen are drawn as images as well."""
 
 import re
 import subprocess
