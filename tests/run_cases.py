@@ -1,18 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs the whole-program cases: one folder tests/cases/TOPIC/NAME/ each, all of it data.
-
-    cmd             arguments of the program, split as a shell would; may span lines
-    stdout, stderr  what must be printed; absent: nothing
-    status          exit status that must come; absent: 0
-    gnuplot-N.args  arguments of the N-th gnuplot that must be started, one a line, and
-    gnuplot-N.in    every byte of its standard input; absent: no N-th gnuplot
-    gnuplot         script found as gnuplot instead of the stand-in; it may call "$RECORDER" "$@"
-                    to record like it. The one word "missing": no gnuplot on the path
-    env             more environment, NAME=VALUE lines
-    run             sh script that starts the program, which is its "$@", e.g. with a closed output
-    note            a line for the reader
-Other files are input. A case runs in a copy of its folder, beside a link to the examples.
+"""Runs the whole-program cases tests/cases/TOPIC/NAME; tests/cases.txt tells their form. Each runs
+in a folder of its own with its input files and a link to the examples.
 """
 
 import argparse
@@ -23,83 +12,74 @@ import shlex
 import shutil
 import sys
 
+import case_file
 import running
 
 TESTS = pathlib.Path(__file__).resolve().parent
 CASES = TESTS / "cases"
 # The words for a missing program differ from shell to shell.
 NOT_FOUND = re.compile(rb"(?m)^(/bin/)?sh: .*gnuplot.*not found$")
-EXPECTED = re.compile(r"stdout|stderr|status|gnuplot-[0-9]+\.(args|in)")
+
+
+def section_of(record):
+    """The name of the section that expects what the stand-in has noted in that file."""
+    return record.replace("-", " ").replace(".args", " arguments").removesuffix(".in")
 
 
 def run(case, options):
-    """Runs one case; returns what it showed, as the files that would expect it."""
-    files = {path.name: path.read_bytes() for path in case.iterdir()}
-    gnuplot = files.get("gnuplot", options.standin)
-    if gnuplot == b"missing\n":
-        gnuplot = None
-    command = [*options.wrapper, options.program, *shlex.split(files["cmd"].decode())]
-    if "run" in files:
+    """Runs one case; returns what it showed, by the names of the sections that expect it."""
+    gnuplot = None if "gnuplot missing" in case.given else \
+        case.given.get("gnuplot script", options.standin)
+    command = [*options.wrapper, options.program, *case.arguments]
+    if "run" in case.given:
         command = ["/bin/sh", "run", *command]
-    env = dict(line.split("=", 1) for line in files.get("env", b"").decode().splitlines())
-    result = running.run(command, files, gnuplot, {"RECORDER": options.standin, **env})
+    env = dict(line.split("=", 1) for line in case.given.get("env", b"").decode().splitlines())
+    result = running.run(command, {**case.given, **case.inputs}, gnuplot,
+                         {"RECORDER": options.standin, **env})
     stderr = b"did not end in time\n" if result.left else NOT_FOUND.sub(
         b"sh: gnuplot: not found", result.stderr)
-    return without_defaults({"stdout": result.stdout, "stderr": stderr,
-                             "status": b"%d\n" % result.status, **result.recorded})
+    return case_file.without_usual({
+        "stdout": result.stdout, "stderr": stderr, "status": b"%d\n" % result.status,
+        **{section_of(name): data for name, data in result.recorded.items()}})
 
 
-def without_defaults(files):
-    defaults = (("stdout", b""), ("stderr", b""), ("status", b"0\n"))
-    return {key: text for key, text in files.items() if (key, text) not in defaults}
-
-
-def expectations(case):
-    return without_defaults({path.name: path.read_bytes() for path in case.iterdir()
-                             if EXPECTED.fullmatch(path.name)})
-
-
-def visible(text):
+def visible(data):
     """Lines of printable text; a line end that is missing or strange is seen, too."""
-    return [line.decode("latin-1").encode("unicode_escape").decode()
-            for line in text.split(b"\n")]
+    return [case_file.escaped(line) for line in data.decode("latin-1").split("\n")]
 
 
-def difference(key, expected, found):
+def difference(section, expected, found):
     lines = difflib.unified_diff(visible(expected or b""), visible(found or b""),
-                                 f"{key} expected", f"{key} found", lineterm="")
+                                 f"{section} expected", f"{section} found", lineterm="")
     if expected is None or found is None:
-        return [f"{key}: {'not expected' if expected is None else 'missing'}", *lines]
+        return [f"{section}: {'not expected' if expected is None else 'missing'}", *lines]
     return list(lines)
 
 
-def accept(case, found):
-    for key in expectations(case):
-        (case / key).unlink()
-    for key, text in found.items():
-        (case / key).write_bytes(text)
-
-
-def check(case, options):
+def check(path, options):
     """Returns the lines that tell where a case differs; none when it passes."""
-    expected = expectations(case)
+    try:
+        case = case_file.load(path)
+    except (case_file.Refused, OSError, ValueError) as error:
+        return [f"{path}: {error}"]
     found = run(case, options)
     if options.accept:
-        accept(case, found)
-    return [line for key in sorted(expected.keys() | found.keys())
-            if expected.get(key) != found.get(key)
-            for line in difference(key, expected.get(key), found.get(key))]
+        path.write_text(case_file.written(case, found))
+    return [line for section in sorted(case.expected.keys() | found.keys())
+            if case.expected.get(section) != found.get(section)
+            for line in difference(section, case.expected.get(section), found.get(section))]
 
 
 def chosen(names):
-    """The case folders of all topics, or of the TOPIC and TOPIC/NAME arguments."""
-    cases = []
-    for name in names or [""]:
-        some = sorted(path.parent for path in (CASES / name).glob("**/cmd"))
-        if not some:
+    """The files of all topics, or of the TOPIC and TOPIC/NAME arguments."""
+    cases = [path for path in sorted(CASES.glob("*/*")) if path.is_file()]
+    some = []
+    for name in names:
+        of_name = [path for path in cases if CASES / name in (path, path.parent)]
+        if not of_name:
             sys.exit(f"no case: {name}")
-        cases += some
-    return cases
+        some += of_name
+    return some if names else cases
 
 
 def main():
@@ -123,7 +103,7 @@ def main():
     if options.wrapper:
         options.wrapper[0] = shutil.which(options.wrapper[0]) or options.wrapper[0]
         # Closed streams and tight limits would hit the wrapper, too.
-        cases = [case for case in cases if not (case / "run").exists()]
+        cases = [case for case in cases if "\n== run\n" not in case.read_text()]
     failed = 0
     for case, lines in zip(cases, running.side_by_side(lambda case: check(case, options), cases)):
         failed += bool(lines)

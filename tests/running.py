@@ -104,6 +104,7 @@ def run_to_the_end(command, env, meanwhile=None, **more):
 
 def put(path, content):
     """Writes a file; what begins like a script becomes a program."""
+    path.parent.mkdir(exist_ok=True)
     path.write_bytes(content.encode() if isinstance(content, str) else content)
     if path.read_bytes().startswith(b"#!"):
         path.chmod(0o755)
