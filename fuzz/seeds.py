@@ -1,0 +1,34 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""The seeds of the fuzz targets, kept one a line as NAME TEXT in fuzz/seeds/TARGET.txt, in the
+notation of bytes that tests/cases.txt explains. Those of `files` are files.
+
+    seeds.py unpack FOLDER              writes them to FOLDER/TARGET/NAME
+    seeds.py keep TARGET NAME FILE      adds a finding
+"""
+
+import pathlib
+import sys
+
+FUZZ = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(FUZZ.parent / "tests"))
+import case_file
+
+
+def unpack(folder):
+    for path in (FUZZ / "seeds").glob("*.txt"):
+        target = pathlib.Path(folder) / path.stem
+        target.mkdir(parents=True, exist_ok=True)
+        for line in path.read_text().splitlines():
+            name, _, text = line.partition(" ")
+            (target / name).write_bytes(case_file.unescaped(text).encode("latin-1"))
+
+
+def keep(target, name, file):
+    text = case_file.escaped(pathlib.Path(file).read_bytes().decode("latin-1"))
+    with (FUZZ / "seeds" / f"{target}.txt").open("a") as seeds:
+        seeds.write(f"{name} {text}".rstrip() + "\n")
+
+
+if __name__ == "__main__":
+    {"unpack": unpack, "keep": keep}[sys.argv[1]](*sys.argv[2:])
