@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs the program and a plain one on the same random inputs; they must agree in every byte.
+"""Runs the program and the reference on the same random inputs; they must agree in every byte.
 
-    agree.py --plain BUILD/bench/plain [--runs N] [--seed S] [--keep DIR]
+    agree.py --plain BUILD/tests/plain/plain [--runs N] [--seed S] [--keep DIR]
 
 Compared are standard output, standard error, the exit status, the number of gnuplot sessions, and
 the arguments and standard input of each. What differs is made smaller and left in a folder of the
