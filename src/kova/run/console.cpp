@@ -78,7 +78,7 @@ void prepare_process() {
 const char* ProgramName = nullptr;
 
 // One sentence behind the program's name, without the blanks and line ends of the message.
-static void blame(const char* format, va_list args) {
+__attribute__((format(printf, 1, 0))) static void blame(const char* format, va_list args) {
     char text[8192];
     std::vsnprintf(text, sizeof text, format, args);
     std::size_t length = std::strlen(text);
