@@ -25,7 +25,6 @@
 // - A line that ends the file does not end a set: without its rule, an empty line is the next row.
 // - In layout 1 only the rule after a set that was read ends the table. If the last set is not
 //   selected, the search for sets goes on to the end of the file.
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -104,22 +103,21 @@ static bool enter_table() {
     return tableN == TableN;
 }
 
+// Enters each label that is in the row before those that stand to the right of it.
 static void find_columns(const char* inpstr) {
     clear_columns();
-    struct column_t {
-        int position;
-        int kind;
-    } found[MAX_COLS];
     for (const label_t& label : Labels) {
         const char* ssbeg = std::strstr(inpstr, label.text);
-        if (ssbeg != nullptr)
-            found[Ncols++] = {static_cast<int>(ssbeg - inpstr), label.kind};
-    }
-    std::sort(found, found + Ncols,
-              [](const column_t& a, const column_t& b) { return a.position < b.position; });
-    for (int i = 0; i < Ncols; i++) {
-        TypePos[i] = found[i].position;
-        ColType[i] = found[i].kind;
+        if (ssbeg == nullptr)
+            continue;
+        const int position = static_cast<int>(ssbeg - inpstr);
+        int i = Ncols++;
+        for (; i > 0 && TypePos[i - 1] > position; i--) {
+            TypePos[i] = TypePos[i - 1];
+            ColType[i] = ColType[i - 1];
+        }
+        TypePos[i] = position;
+        ColType[i] = label.kind;
     }
 }
 
