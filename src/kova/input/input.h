@@ -91,6 +91,9 @@ constexpr int MAX_NUMBERS = 20;
 // exponent may be missing ("1e 2" is two). What is too large is infinite.
 int read_numbers(const char* line, double (&numbers)[MAX_NUMBERS]);
 
+// Steps over one of these numbers, before which no blank may stand. Null if there is none.
+const char* after_number(const char* text);
+
 // ---- Tables (tables.cpp) -----------------------------------------------------------------------
 
 // Read table number TableN of the file into the store. Every error ends the run with status 1; a
@@ -104,3 +107,8 @@ extern void (*MetTable)();              // the mark of a table, up to the select
 extern void (*MetSet)(int Nd, int Nc);  // a set of the selected table, whether it is read or not
 extern void (*MetHeader)();             // a header row: the columns above are those of it
 extern void (*MetSetEnd)();             // the rule below a set that was read
+extern void (*MetFactor)(const char* text);  // the text of a factor, which stands until the next
+extern void (*MetRow)(const char* line);     // a row of a set that is read
+
+// The label of a kind's column in the header row.
+const char* column_label(int kind);

@@ -43,8 +43,8 @@ static const char* after_name(const char* text) {
     return begins_with(text, "inf") ? text + 3 : nullptr;
 }
 
-// Steps over one number, with an exponent that may lack its digits. Null if there is none.
-static const char* after_number(const char* text) {
+// With an exponent that may lack its digits.
+const char* after_number(const char* text) {
     text = after_sign(text);
     if (const char* end = after_name(text))
         return end;

@@ -80,9 +80,17 @@ void (*MetTable)() = nullptr;
 void (*MetSet)(int Nd, int Nc) = nullptr;
 void (*MetHeader)() = nullptr;
 void (*MetSetEnd)() = nullptr;
+void (*MetFactor)(const char* text) = nullptr;
+void (*MetRow)(const char* line) = nullptr;
 
 static bool has(const char* line, const char* mark) {
     return std::strstr(line, mark) != nullptr;
+}
+
+const char* column_label(int kind) {
+    return std::find_if(Labels, Labels + MAX_COLS,
+                        [kind](const label_t& label) { return label.kind == kind; })
+        ->text;
 }
 
 static void pass_over_line() {
@@ -178,6 +186,13 @@ static void read_data_row(const char* inpstr) {
     for (int j = 0; j < NcolsToPlot; j++)
         Curve[c][j][Npts[c] - 1] =
             corrected(dtmp[PlotTypePos[j]], PlotColType[j], CurveScaleFactor[c]);
+    if (MetRow != nullptr)
+        MetRow(inpstr);
+}
+
+static void report_factor(const char* text) {
+    if (MetFactor != nullptr)
+        MetFactor(text);
 }
 
 static void report_set() {
@@ -244,6 +259,7 @@ static void read_factor_ver1(const char* inpstr) {
              text);
     if (endptr == text)
         fail(stderr, "No digits were found for ScaleFactor of curve (%d-%d)!\n", CurNd, CurNc);
+    report_factor(text);
 }
 
 static stage_t open_set_ver1(const char* inpstr) {
@@ -338,6 +354,7 @@ static void read_factor_ver2(char* inpstr) {
     }
     say("Scale(%d-%d)=%e\n", CurNd, CurNc, ScaleFactor);
     CurveScaleFactor[Ncurves - 1] = ScaleFactor;
+    report_factor(scstr == nullptr ? "1" : scstr);
 }
 
 static stage_t look_for_table_ver2(const char* inpstr) {
