@@ -138,9 +138,16 @@ FILE* new_file(const char* name, bool overwrite) {
 }
 
 static void close_file(new_file_t* file) {
-    if (std::fflush(file->file) != 0 || std::ferror(file->file) ||
-        (file->name != nullptr && std::fclose(file->file) != 0))
-        fail_to_write(file->name == nullptr ? "standard output" : file->name, errno);
+    const bool failed = std::fflush(file->file) != 0 || std::ferror(file->file);
+    if (file->name != nullptr && (std::fclose(file->file) != 0 || failed))
+        fail_to_write(file->name, errno);
+    if (file->name != nullptr || !failed)
+        return;
+    // Said here, and not once more at the end. A reader that has seen enough is no error.
+    const int error = errno;
+    std::clearerr(stdout);
+    if (error != EPIPE)
+        fail_to_write("standard output", error);
 }
 
 // Gives the file its name, unless somebody else has taken it meanwhile.

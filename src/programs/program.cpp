@@ -11,6 +11,7 @@
 int Ntables = 0;
 int Nsets = 0;
 set_t* Sets = nullptr;
+bool SeveralInputs = false;
 
 static int Nrooms = 0;           // elements of Sets
 static int HeadersMet = 0;       // of the selected table
@@ -18,11 +19,17 @@ static int SetsEnded = 0;        // sets that were read to their end
 static int* ReadSets = nullptr;  // index in Sets of each set that was read
 static set_t FirstHeader = {};   // layout 1 has one for all sets
 static const char* InputName = nullptr;
+static const char* OwnName = nullptr;  // of the program
+static char Prefix[1000];              // the same with the table that is being read
 
 // ---- What is met -------------------------------------------------------------------------------
 
 static void meet_table() {
     Ntables++;
+    if (SeveralInputs && Ntables == TableN) {
+        std::snprintf(Prefix, sizeof Prefix, "%s: table %d of %s", OwnName, TableN, InputName);
+        ProgramName = Prefix;
+    }
 }
 
 static void meet_set(int Nd, int Nc) {
@@ -54,6 +61,7 @@ static void require_named_kinds() {
     const unsigned missing = KindsNamed & ~found;
     if (missing == 0)
         return;
+    ProgramName = OwnName;
     char names[300], kinds[300];
     print_kinds(names, sizeof names, missing);
     print_kinds(kinds, sizeof kinds, found);
@@ -147,10 +155,14 @@ void read_tables(const char* inpFname) {
     MetSet = meet_set;
     MetHeader = meet_header;
     MetSetEnd = meet_set_end;
+    OwnName = ProgramName;
+    Ntables = Nsets = HeadersMet = SetsEnded = 0;
+    release_curves();
     if (detect_int_table_version(inpFname) == 2)
         parse_kova_int_tables_ver2(inpFname);
     else
         parse_kova_int_tables_ver1(inpFname);
+    ProgramName = OwnName;
     // Each set that was read, in the order of the file.
     ReadSets = resized(ReadSets, static_cast<std::size_t>(Ncurves));
     int c = 0;

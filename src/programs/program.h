@@ -30,6 +30,10 @@ char** start_program(int argc, char** argv, const program_t& program);
 // Refuses more than one of them.
 const char* only_input(char** names);
 
+// For a program that reads several, one after the other: what is wrong with a row or a header says
+// in which of them.
+extern bool SeveralInputs;
+
 // What the selected table of the input holds.
 struct set_t {
     int Nd, Nc;
