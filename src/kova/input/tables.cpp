@@ -24,7 +24,8 @@
 //   the label that stands at the same rank, so a column without a known label spoils every row.
 // - A line that ends the file does not end a set: without its rule, an empty line is the next row.
 // - In layout 1 only the rule after a set that was read ends the table. If the last set is not
-//   selected, the search for sets goes on to the end of the file.
+//   selected, the search for sets goes on to the end of the file. Programs that want to know of
+//   tables are told the truth: there the next table ends this one.
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -294,6 +295,13 @@ static stage_t look_for_table_ver1(const char* inpstr) {
     return enter_table() ? STAGE_HEADER : STAGE_TABLE;
 }
 
+// See above: for gravlex the search goes on behind the mark of the next table.
+static stage_t look_for_set_ver1(const char* inpstr) {
+    if (MetTable != nullptr && has(inpstr, TABLE_MARK))
+        return STAGE_END;
+    return has(inpstr, SET_MARK_VER1) ? open_set_ver1(inpstr) : STAGE_SET;
+}
+
 static stage_t handle_ver1(stage_t stage, char (&inpstr)[LINE_SIZE]) {
     switch (stage) {
         case STAGE_TABLE:
@@ -302,7 +310,7 @@ static stage_t handle_ver1(stage_t stage, char (&inpstr)[LINE_SIZE]) {
             read_header_row(inpstr);
             return STAGE_SET;
         case STAGE_SET:
-            return has(inpstr, SET_MARK_VER1) ? open_set_ver1(inpstr) : STAGE_SET;
+            return look_for_set_ver1(inpstr);
         case STAGE_ROWS:
             return read_row_ver1(inpstr);
         case STAGE_SCALE:
