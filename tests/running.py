@@ -112,8 +112,9 @@ def put(path, content):
 
 def run(command, files=(), gnuplot=STANDIN, env=(), meanwhile=None, afterwards=None, **more):
     """Runs a command in a new folder with these files, beside a link to the samples; gravlex is on
-    the search path, and so is gnuplot: the path of a program, the text of a script, or None. In
-    the command {folder} stands for the folder above, which `meanwhile` and `afterwards` get, too.
+    the search path with the programs beside it, and so is gnuplot: the path of a program, the text
+    of a script, or None. In the command {folder} stands for the folder above, which `meanwhile` and
+    `afterwards` get, too.
     """
     with tempfile.TemporaryDirectory(prefix="gravlex-test-") as name:
         folder = pathlib.Path(name)
@@ -123,7 +124,8 @@ def run(command, files=(), gnuplot=STANDIN, env=(), meanwhile=None, afterwards=N
         for file, content in dict(files).items():
             put(folder / "work" / file, content)
         (folder / "work" / "examples").symlink_to(EXAMPLES)
-        (folder / "bin" / "gravlex").symlink_to(PROGRAM)
+        for program in (PROGRAM, *PROGRAM.parent.glob(f"{PROGRAM.name}-*")):
+            (folder / "bin" / program.name).symlink_to(program)
         path = f"{folder}/bin:{os.environ['PATH']}" if gnuplot else f"{folder}/bin"
         if isinstance(gnuplot, bytes):
             put(folder / "bin" / "gnuplot", gnuplot)

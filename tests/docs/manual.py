@@ -12,6 +12,13 @@ def plain(text):
     return text.replace(BEGIN, "").replace(END, "")
 
 
+def matches(message, head):
+    """Whether a head shows the message, with an argument for each conversion."""
+    wanted = re.sub("%[a-z]", f"{BEGIN}x{END}", message)
+    shown = re.sub(f"{BEGIN}[^{END}]+{END}", f"{BEGIN}x{END}", head)
+    return " ".join(wanted.split()) == " ".join(shown.split())
+
+
 class Page(HTMLParser):
     """items: (section, heads, body) of every list item; rows: (section, cells) of every table row.
     Heads that follow each other without a body share the body of the last."""

@@ -74,10 +74,10 @@ STREAMS = {"say": "stdout", "printf": "stdout", "puts": "stdout",
            "complain": "stderr", "perror": "stderr"}
 
 
-def messages():
+def messages(paths):
     """Every format string for standard output and standard error, a line each, with its stream."""
     found = set()
-    for path in sorted((ROOT / "src/kova").rglob("*.cpp")):
+    for path in paths:
         for match in CALL.finditer(path.read_text(encoding="latin-1")):
             stream = STREAMS.get(match["call"], match["stream"])
             if match["format"] is None or stream not in ("stdout", "stderr"):
@@ -85,5 +85,5 @@ def messages():
             lines = joined(match["format"]).split("\n")
             found |= {(line.strip(), stream) for line in lines if re.sub("%[a-z]", "", line)}
     found.discard(("%s: %s", "stderr"))  # the form in which other programs say them
-    assert len(found) > 50, "the messages could not be found"
+    assert found, "the messages could not be found"
     return found

@@ -6,10 +6,11 @@ import unittest
 import manual
 import program
 import running
-from manual import BEGIN, END, plain
+from manual import matches, plain
 
 PATH = program.ROOT / "man/gravlex.1"
 PAGE = manual.read(PATH)
+MESSAGES = program.messages(sorted((program.ROOT / "src/kova").rglob("*.cpp")))
 STREAMS = {"stdout": "Standard output.", "stderr": "Standard error."}
 
 
@@ -19,13 +20,6 @@ def option_heads():
         for head in heads:
             match = re.fullmatch(r"(?:(-\S), )?(--[\w-]+)(?:=(\w+))?", plain(head))
             yield (match[2], match[1] or "", match[3] or ""), body
-
-
-def matches(message, head):
-    """Whether a head shows the message, with an argument for each conversion."""
-    wanted = re.sub("%[a-z]", f"{BEGIN}x{END}", message)
-    shown = re.sub(f"{BEGIN}[^{END}]+{END}", f"{BEGIN}x{END}", head)
-    return " ".join(wanted.split()) == " ".join(shown.split())
 
 
 class Manual(unittest.TestCase):
@@ -57,7 +51,7 @@ class Manual(unittest.TestCase):
 
     def test_messages(self):
         items = PAGE.items_of("DIAGNOSTICS")
-        for message, stream in sorted(program.messages()):
+        for message, stream in sorted(MESSAGES):
             bodies = [body for heads, body in items for head in heads if matches(message, head)]
             self.assertTrue(bodies, f"not in DIAGNOSTICS: {message}")
             self.assertTrue(any(body.startswith(STREAMS[stream]) for body in bodies),
@@ -68,7 +62,7 @@ class Manual(unittest.TestCase):
             if not body.startswith("Standard "):
                 continue  # a message of the shell or of gnuplot
             for head in heads:
-                self.assertTrue(any(matches(message, head) for message, _ in program.messages()),
+                self.assertTrue(any(matches(message, head) for message, _ in MESSAGES),
                                 f"no longer a message: {plain(head)}")
 
     def test_examples(self):

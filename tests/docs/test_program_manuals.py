@@ -1,0 +1,85 @@
+# SPDX-License-Identifier: MIT
+"""The manual page of each program beside gravlex says all that is to be said of it alone."""
+import re
+import subprocess
+import unittest
+
+import manual
+import program
+import running
+from listed import LIST, Listed
+from manual import plain
+
+LISTED = Listed(LIST)
+FOLDER = program.ROOT / "src/programs"
+# Those of the reader stand in the page of gravlex.
+SHARED = [*FOLDER.glob("[op]*.cpp"), program.ROOT / "src/kova/run/options.cpp"]
+NAMES = sorted(set(LISTED.refused) - {"gravlex", "gravlex-script"})  # they have tests of their own
+
+
+def page_path(name):
+    return program.ROOT / f"man/{name}.1"
+
+
+def own_options(name):
+    """Spellings and label of those that gravlex does not have."""
+    common = {option.spellings for option, _ in LISTED.options("gravlex")}
+    return {(option.spellings, option.label) for option, _ in LISTED.options(name)
+            if option.spellings not in common}
+
+
+def option_heads(page):
+    for heads, _ in page.items_of("OPTIONS"):
+        for head in heads:
+            words, _, label = plain(head).partition("=")
+            yield frozenset(words.split(", ")), label
+
+
+def heads_of(page):
+    return [head for heads, _ in page.items_of("DIAGNOSTICS") for head in heads]
+
+
+class Manuals(unittest.TestCase):
+    def test_names(self):
+        self.assertTrue(NAMES)
+        for name in NAMES:
+            self.assertEqual(manual.lint(page_path(name)), [], name)
+
+    def test_options(self):
+        for name in NAMES:
+            with self.subTest(name):
+                self.assertEqual(set(option_heads(manual.read(page_path(name)))), own_options(name))
+
+    def test_refused_options(self):
+        for name in NAMES:
+            text = subprocess.run(["mandoc", "-T", "ascii", page_path(name)], check=True,
+                                  capture_output=True, text=True).stdout
+            shown = set(re.findall(r"--\w[\w-]*\w", re.sub(".\b", "", text)))
+            for option in LISTED.refused[name]:
+                self.assertIn(option, shown, name)
+
+    def test_messages(self):
+        """Those of its own are all there, and there are no others but shared ones."""
+        for name in NAMES:
+            own = FOLDER.glob(name.removeprefix("gravlex-") + "*.cpp")
+            own = {message for message, stream in program.messages(own) if stream == "stderr"}
+            shared = {message for message, _ in program.messages(SHARED)}
+            heads = heads_of(manual.read(page_path(name)))
+            for message in own:
+                self.assertTrue(any(manual.matches(message, head) for head in heads), message)
+            for head in heads:
+                self.assertTrue(any(manual.matches(message, head) for message in own | shared),
+                                f"no longer a message of {name}: {plain(head)}")
+
+    def test_examples(self):
+        """Every example runs as it stands, without a word on standard error."""
+        samples = {path.name: path.read_bytes() for path in running.EXAMPLES.glob("*.out")}
+        for name in NAMES:
+            for heads, _ in manual.read(page_path(name)).items_of("EXAMPLES"):
+                with self.subTest(plain(heads[0])):
+                    result = running.run(["sh", "-c", plain(heads[0])], samples)
+                    self.assertEqual((result.status, result.stderr), (0, b""))
+
+
+if __name__ == "__main__":
+    unittest.main()
