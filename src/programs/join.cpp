@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+//
+// gravlex-join: the data sets of several files in one, as text, to be drawn in one plot.
+#include <popt.h>
+
+#include <cctype>
+#include <climits>
+#include <cstring>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "input/input.h"
+#include "numbers.h"
+
+static const char* OutputName = nullptr;
+static int Overwrite = 0;
+
+namespace {
+struct copied_set_t {
+    const char* file;  // its name
+    int number;        // that file's, from 1
+    int Nd, Nc;
+    set_t columns;
+    std::string factor;
+    std::string rows;  // each a line
+};
+}  // namespace
+
+static std::vector<copied_set_t> Copies;
+static std::size_t CopiesBefore = 0;  // of the files that were read already
+static std::string CurrentFactor;
+
+// ---- Reading -----------------------------------------------------------------------------------
+
+// In layout 1 more than the number may stand there, and blanks before it.
+static void keep_factor(const char* text) {
+    static constexpr char BLANKS[] = " \t\n\v\f\r";
+    text += std::strspn(text, BLANKS);
+    CurrentFactor.assign(text, std::strcspn(text, BLANKS));
+}
+
+static void keep_row(const char* line) {
+    const std::size_t c = CopiesBefore + static_cast<std::size_t>(Ncurves) - 1;
+    if (c == Copies.size()) {
+        Copies.emplace_back();
+        Copies[c].factor = CurrentFactor;
+    }
+    Copies[c].rows.append(line, std::strcspn(line, "\n"));
+    Copies[c].rows += '\n';
+}
+
+// Every set that is read has rows: a file that has one without is refused.
+static void read_file(const char* name, int number) {
+    CopiesBefore = Copies.size();
+    CurrentFactor.assign(1, '1');
+    read_input(name);
+    for (int c = 0; c < Ncurves; c++) {
+        copied_set_t& copy = Copies[CopiesBefore + static_cast<std::size_t>(c)];
+        copy.file = name;
+        copy.number = number;
+        copy.Nd = CurveNd[c];
+        copy.Nc = CurveNc[c];
+        copy.columns = own_columns(c);
+    }
+}
+
+// ---- Columns -----------------------------------------------------------------------------------
+
+static unsigned kinds_of(const copied_set_t& copy) {
+    unsigned mask = 0;
+    for (int j = 0; j < copy.columns.NcolsToPlot; j++)
+        mask |= static_cast<unsigned>(copy.columns.PlotColType[j]);
+    return mask;
+}
+
+static void report_left_out(unsigned mask) {
+    std::string words;
+    for (const data_type_t& kind : Type) {
+        if (is_in(kind.type, mask))
+            words.append(words.empty() ? "" : ", ").append(column_word(kind.type));
+    }
+    if (!words.empty())
+        complain("left out, because not every data set has them: %s\n", words.c_str());
+}
+
+// The kinds that all sets have, in the order of the first one.
+static std::vector<int> common_kinds() {
+    unsigned common = P_GINT_EVERY, any = 0;
+    for (const copied_set_t& copy : Copies) {
+        const unsigned kinds = kinds_of(copy);
+        if (!is_in(P_GINT_S, kinds))
+            fail(stderr, "data set %d-%d of %s has no s\n", copy.Nd, copy.Nc, copy.file);
+        common &= kinds;
+        any |= kinds;
+    }
+    if (common == P_GINT_S)
+        fail(stderr, "the data sets have no kind in common\n");
+    report_left_out(any & ~common);
+    std::vector<int> kinds;
+    for (int j = 0; j < Copies[0].columns.NcolsToPlot; j++) {
+        if (is_in(Copies[0].columns.PlotColType[j], common))
+            kinds.push_back(Copies[0].columns.PlotColType[j]);
+    }
+    return kinds;
+}
+
+// ---- Labels ------------------------------------------------------------------------------------
+
+// The power of ten above every N: with the number of the file in front of so many digits, no label
+// of one file is one of another's.
+static long long power_above_labels() {
+    long long power = 10;
+    for (const copied_set_t& copy : Copies) {
+        while (copy.Nd >= power)
+            power *= 10;
+    }
+    return power;
+}
+
+// That of the first file stays: if it is negative, as the low 32 bits, which are what is read.
+static unsigned joined_number(const copied_set_t& copy, long long power) {
+    if (copy.number == 1)
+        return static_cast<unsigned>(copy.Nd);
+    const long long joined = copy.number * power + copy.Nd;
+    if (copy.Nd < 0 || joined > INT_MAX)
+        fail(stderr, "data set %d-%d of %s cannot be given a label of its own\n", copy.Nd, copy.Nc,
+             copy.file);
+    return static_cast<unsigned>(joined);
+}
+
+static std::vector<unsigned> joined_numbers() {
+    const long long power = power_above_labels();
+    std::vector<unsigned> numbers;
+    numbers.reserve(Copies.size());
+    for (const copied_set_t& copy : Copies)
+        numbers.push_back(joined_number(copy, power));
+    return numbers;
+}
+
+// ---- Writing -----------------------------------------------------------------------------------
+
+// The numbers of a row as they stand there. The row was read: there are as many as columns.
+static void split_row(const char* text, std::string (&numbers)[MAX_NUMBERS]) {
+    int count = 0;
+    while (count < MAX_NUMBERS) {
+        while (std::isspace(static_cast<unsigned char>(*text)))
+            text++;
+        const char* end = *text == '\0' ? nullptr : after_number(text);
+        if (end == nullptr)
+            break;
+        numbers[count++].assign(text, end);
+        text = end;
+    }
+}
+
+// Each number ends below the end of its label.
+static std::string in_columns(const copied_set_t& copy, const std::string& row,
+                              const std::vector<int>& kinds) {
+    std::string numbers[MAX_NUMBERS], line;
+    split_row(row.c_str(), numbers);
+    for (const int kind : kinds) {
+        const std::string& number =
+            numbers[copy.columns.PlotTypePos[column_of(copy.columns, kind)]];
+        const std::size_t width = std::strlen(column_label(kind));
+        line.append(number.size() < width ? width - number.size() : 1, ' ').append(number);
+    }
+    line += '\n';
+    if (line.size() >= LINE_SIZE)
+        fail(stderr, "a row of data set %d-%d of %s is too long\n", copy.Nd, copy.Nc, copy.file);
+    return line;
+}
+
+static void arrange_rows(copied_set_t* copy, const std::vector<int>& kinds) {
+    std::string arranged;
+    for (std::size_t start = 0, end; start < copy->rows.size(); start = end + 1) {
+        end = copy->rows.find('\n', start);
+        arranged += in_columns(*copy, copy->rows.substr(start, end - start), kinds);
+    }
+    copy->rows.swap(arranged);
+}
+
+// A name that cannot be taken for anything else in the line, or go on in another one.
+static std::string plain_name(const char* name) {
+    std::string plain(name, strnlen(name, 200));
+    for (char& c : plain) {
+        if (std::isspace(static_cast<unsigned char>(c)) ||
+            std::iscntrl(static_cast<unsigned char>(c)))
+            c = '_';
+    }
+    return plain;
+}
+
+static void write_set(FILE* file, const copied_set_t& copy, const std::vector<int>& kinds,
+                      unsigned number) {
+    std::string header;
+    for (const int kind : kinds)
+        header += column_label(kind);
+    const std::string rule(header.size(), '-');
+    std::fprintf(file, "Set: %u-%d  %d-%d of %s\nScale=%s\n%s\n%s\n%s\n", number, copy.Nc, copy.Nd,
+                 copy.Nc, plain_name(copy.file).c_str(), copy.factor.c_str(), rule.c_str(),
+                 header.c_str(), rule.c_str());
+    std::fprintf(file, "%s%s\n", copy.rows.c_str(), rule.c_str());
+}
+
+// 1.6.987 is the first version that wrote this layout.
+static void write_table(FILE* file) {
+    const std::vector<unsigned> numbers = joined_numbers();
+    const std::vector<int> kinds = common_kinds();
+    for (copied_set_t& copy : Copies)
+        arrange_rows(&copy, kinds);
+    std::fprintf(file, " KOVA 1.6.987  data sets of %d files, joined by %s\n\n",
+                 Copies.back().number, ProgramName);
+    std::fprintf(file, " Table 1. GED curves.\n====================\n");
+    for (std::size_t i = 0; i < Copies.size(); i++)
+        write_set(file, Copies[i], kinds, numbers[i]);
+    std::fprintf(file, "\n");
+}
+
+// ---- The program -------------------------------------------------------------------------------
+
+// clang-format off
+static const poptOption Options[] = {
+    {"output", 'o', POPT_ARG_STRING, &OutputName, 0,
+     "Write into FILE instead of standard output", "FILE"},
+    {"force", 'f', POPT_ARG_NONE, &Overwrite, 0,
+     "Replace a file that exists", nullptr},
+    POPT_TABLEEND
+};
+// clang-format on
+
+static void end_without_memory() {
+    fail(stderr, "Cannot allocate memory\n");
+}
+
+int main(int argc, char** argv) {
+    std::set_new_handler(end_without_memory);
+    const program_t program = {"gravlex-join", "[options...] inputfile...", Options, nullptr,
+                               ChangingOptions};
+    char** names = start_program(argc, argv, program);
+    SeveralInputs = true;
+    MetFactor = keep_factor;
+    MetRow = keep_row;
+    for (int i = 0; names[i] != nullptr; i++)
+        read_file(names[i], i + 1);
+    write_table(new_file(OutputName == nullptr ? "-" : OutputName, Overwrite));
+    keep_files();
+    return 0;
+}
