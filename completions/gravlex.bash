@@ -10,9 +10,23 @@ _gravlex_takes() {
     done < <(_gravlex_options "$1")
 }
 
-# The data sets of the input file: nothing can name them yet.
+# The data sets that can stand behind the list $1, none twice: those of the first file on the
+# command line that has any, in the table that is named there.
 _gravlex_sets() {
-    :
+    local word table=1 line=" ${COMP_WORDS[*]} "
+    local option='[[:space:]](-t|--table)( = | |)([0-9]+)[[:space:]]'
+    [[ ! $line =~ $option ]] || table=${BASH_REMATCH[3]}
+    for word in "${COMP_WORDS[@]:1}"; do
+        word=${word//[\\\'\"]/}
+        word=${word/#\~\//$HOME/}
+        [[ -f $word ]] || continue
+        gravlex-table --list --table "$table" -- "$word" 2>/dev/null | awk -v "list=,$1" '
+            NR > 1 && $2 != "-" && !index(list, "," $2 ",") && !known[$2]++ {
+                found = 1
+                print $2, $3 " points, s from " $4 " to " $5
+            }
+            END { exit !found }' && return
+    done
 }
 
 # Replies with those lines "word text" of standard input whose word begins with $2, each with $1 in
@@ -96,7 +110,11 @@ _gravlex() {
             )
             ;;
         kinds) _gravlex_reply_list "$cur" ;;
-        sets) _gravlex_reply '' "$cur" < <(_gravlex_sets) ;;
+        sets)
+            compopt -o nospace
+            text=${cur##*,}
+            _gravlex_reply "${cur%"$text"}" "$text" < <(_gravlex_sets "${cur%"$text"}")
+            ;;
         *) _gravlex_reply '' "$cur" < <(_gravlex_values "$takes") ;;
     esac
 }

@@ -17,6 +17,27 @@ function __gravlex_kinds
     end
 end
 
-# The data sets of the input file: nothing can name them yet.
+# The data sets that can stand behind what there is of a list, none twice: those of the first file
+# on the command line that has any, in the table that is named there.
 function __gravlex_sets
+    set -l typed (commandline -ct | string replace -r '^(--\w+=|-c)' '' | string trim -l -c '"\'')
+    set -l list (string match -r '.*,' -- $typed)
+    set -l words (commandline -op)
+    set -l table (string match -r -g '^.* (?:-t|--table)[= ]?(\d+) ' -- "$words ")
+    test -n "$table"
+    or set table 1
+    for word in (string unescape -- $words[2..])
+        test -f $word
+        or continue
+        set -l sets (gravlex-table --list --table $table -- $word 2>/dev/null | awk '
+            NR > 1 && $2 != "-" && !known[$2]++ {
+                print $2 "\t" $3 " points, s from " $4 " to " $5
+            }')
+        for line in $sets
+            contains -- (string split -f 1 \t $line) (string split , -- "$list")
+            or echo "$list$line"
+        end
+        test -n "$sets"
+        and return
+    end
 end

@@ -20,9 +20,24 @@ _gravlex_kinds() {
     _describe -t kinds 'kind of data' kinds -qS , -- removals -qS ,
 }
 
-# The data sets of the input file: nothing can name them yet.
+# Adds the data sets that can stand behind what there is of a list, none twice: those of the first
+# file on the command line that has any, in the table that is named there.
 _gravlex_sets() {
-    _message 'data sets'
+    local -a sets used
+    local word table=1
+    [[ " $words " =~ ' (-t|--table)(=| |)([0-9]+) ' ]] && table=$match[3]
+    for word in ${${(Q)words[2,-1]}/#\~\//$HOME/}; do
+        [[ -f $word ]] || continue
+        sets=(${(fu)"$(gravlex-table --list --table $table -- $word 2>/dev/null | awk '
+            NR > 1 && $2 != "-" { print $2 ":" $3 " points, s from " $4 " to " $5 }')"})
+        (($#sets)) && break
+    done
+    compset -S ',*'
+    compset -P '*,' && used=(${(s:,:)${(Q)IPREFIX}##*=})
+    for word in $used; do
+        sets=(${sets:#${word}:*})
+    done
+    _describe -V -t sets 'data set' sets -qS ,
 }
 
 _gravlex_words() {

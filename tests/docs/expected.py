@@ -1,9 +1,12 @@
 # SPDX-License-Identifier: MIT
 """What every completion has to offer."""
+import os
+import shutil
 import tempfile
 import unittest
 from pathlib import Path
 
+import program
 from listed import LIST, Listed
 from terminal import Shell
 
@@ -25,6 +28,10 @@ WORDS = LISTED.words("kinds")
 REMOVALS = {f"!{word}": f"Not: {name}" for word, name in WORDS.items() if word != "all"}
 STYLES = {"1": "lines", "2": "points", "3": "lines with points"}
 POINTS = {str(number) for number in range(16)}
+SETS = {"1-1": "161 points, s from 2 to 18", "2-1": "281 points, s from 6 to 34",
+        "3-1": "141 points, s from 6 to 34"}
+# The completions ask a program for the data sets.
+os.environ["PATH"] = f"{program.PROGRAM.parent}:{os.environ['PATH']}"
 
 
 def without(words, *names):
@@ -39,8 +46,9 @@ class Completion(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
-        for name in ("fit.png", "result.out", "with blank.out"):
+        for name in ("fit.png", "result.out"):
             (Path(cls.folder.name) / name).touch()
+        shutil.copy(program.running.CCL4, Path(cls.folder.name) / "with blank.out")
         (Path(cls.folder.name) / "subfolder").mkdir()
 
     @classmethod
@@ -75,6 +83,14 @@ class Completion(unittest.TestCase):
         self.assertEqual(offered, without(REMOVALS, "!sms"))
         offered = self.offers("gravlex --data=all,lint,")
         self.assertEqual(offered, without(WORDS, "all", "lint") | REMOVALS)
+
+    def test_sets(self):
+        self.assertEqual(self.offers(r"gravlex --table=3 fit.png with\ blank.out --curves "), SETS)
+        self.assertEqual(self.offers(r"gravlex -t 2 with\ blank.out --cread=1-1,"),
+                         without(SETS, "1-1"))
+        for line in "-t 4 with\\ blank.out --curves ", "result.out --curves ", "none.out -c ":
+            with self.subTest(line):
+                self.assertEqual(self.offers(f"gravlex {line}"), {})
 
     def test_plain_words(self):
         self.assertEqual(self.offers("gravlex --term "), LISTED.words("terminal"))

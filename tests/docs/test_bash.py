@@ -13,7 +13,8 @@ FILE = f"{expected.MADE.name}/bash/gravlex-script"
 # Calls the function as bash does when tab is pressed for the second time.
 CALL = r"""
 source "$1"
-shift
+cd "$2"
+shift 2
 compopt() { :; }
 COLUMNS=200 COMP_TYPE=63 COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
 _gravlex "$1"
@@ -31,7 +32,7 @@ bind -x '"\C-g": show_line'
 
 def split(line):
     """The words as readline splits them: "=" is one of its own, an open quote stays."""
-    words = re.findall(r"""=|(?:'[^']*|[^\s=])+""", line)
+    words = re.findall(r"""=|(?:'[^']*|\\.|[^\s=])+""", line)
     return words + [""] if line.endswith(" ") else words
 
 
@@ -40,11 +41,11 @@ class Bash(expected.OnTerminal):
     setup = f"source {shlex.quote(FILE)}{SETUP}"
 
     def offers(self, line):
-        run = subprocess.run(["bash", "-c", CALL, "bash", FILE, *split(line)],
+        run = subprocess.run(["bash", "-c", CALL, "bash", FILE, self.folder.name, *split(line)],
                              capture_output=True, text=True, check=True)
         self.assertEqual(run.stderr, "")
         found = {}
-        for reply in run.stdout.splitlines():
+        for reply in filter(None, run.stdout.splitlines()):
             word, _, text = reply.partition(" ")
             found[re.sub(r".*,", "", word).replace("\\", "")] = text.strip()[1:-1]
         return found
