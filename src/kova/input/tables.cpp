@@ -26,6 +26,7 @@
 // - In layout 1 only the rule after a set that was read ends the table. If the last set is not
 //   selected, the search for sets goes on to the end of the file. Programs that want to know of
 //   tables are told the truth: there the next table ends this one.
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
