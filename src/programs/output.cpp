@@ -75,6 +75,15 @@ static void block_signals(int how) {
     fail(stderr, "cannot write %s: %s\n", name, std::strerror(error));
 }
 
+// The part behind the folder.
+static const char* base_name(const char* name) {
+    const char* slash = std::strrchr(name, '/');
+    const char* base = slash == nullptr ? name : slash + 1;
+    if (*base == '\0')
+        fail(stderr, "'%s' is no name of a file\n", name);
+    return base;
+}
+
 static char* copy_of(const char* text) {
     char* copy = strdup(text);
     if (copy == nullptr)
@@ -87,20 +96,19 @@ static char* final_name(const char* name, bool overwrite) {
     struct stat status;
     if (lstat(name, &status) != 0)
         return copy_of(name);
-    if (!overwrite)
-        fail(stderr, "%s exists already: -f replaces it\n", name);
     char* resolved = realpath(name, nullptr);
     if (resolved == nullptr || stat(resolved, &status) != 0)
         fail_to_write(name, errno);
     if (!S_ISREG(status.st_mode))
         fail(stderr, "%s is no file that can be replaced\n", name);
+    if (!overwrite)
+        fail(stderr, "%s exists already: -f replaces it\n", name);
     return resolved;
 }
 
 // A file beside the one of this name, with the rights that a new file has.
 static FILE* open_beside(const char* name, char** temporary) {
-    const char* slash = std::strrchr(name, '/');
-    const int folder = slash == nullptr ? 0 : static_cast<int>(slash + 1 - name);
+    const int folder = static_cast<int>(base_name(name) - name);
     const std::size_t room = static_cast<std::size_t>(folder) + 32;
     *temporary = resized<char>(nullptr, room);
     std::snprintf(*temporary, room, "%.*s.gravlex-XXXXXX", folder, name);
@@ -137,17 +145,11 @@ FILE* new_file(const char* name, bool overwrite) {
     return added.file;
 }
 
+// Standard output is looked at when the run ends.
 static void close_file(new_file_t* file) {
-    const bool failed = std::fflush(file->file) != 0 || std::ferror(file->file);
-    if (file->name != nullptr && (std::fclose(file->file) != 0 || failed))
+    const bool own = file->name != nullptr;
+    if (own && (std::ferror(file->file) || std::fclose(file->file) != 0))
         fail_to_write(file->name, errno);
-    if (file->name != nullptr || !failed)
-        return;
-    // Said here, and not once more at the end. A reader that has seen enough is no error.
-    const int error = errno;
-    std::clearerr(stdout);
-    if (error != EPIPE)
-        fail_to_write("standard output", error);
 }
 
 // Gives the file its name, unless somebody else has taken it meanwhile.
@@ -181,8 +183,7 @@ FILE* scratch_file() {
 }
 
 char* numbered_name(const char* name, int number) {
-    const char* slash = std::strrchr(name, '/');
-    const char* base = slash == nullptr ? name : slash + 1;
+    const char* base = base_name(name);
     const char* ending = std::strrchr(base, '.');
     if (ending == nullptr || ending == base)
         ending = name + std::strlen(name);

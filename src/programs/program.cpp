@@ -82,6 +82,12 @@ static void meet_set_end() {
     SetsEnded++;
 }
 
+// Such a row is most often the last one of a file that is being written.
+static void meet_wrong_row() {
+    fail(stderr, "a row of data set %d-%d does not have %d numbers: is the file complete?\n",
+         CurveNd[Ncurves - 1], CurveNc[Ncurves - 1], Ncols);
+}
+
 // ---- The command line --------------------------------------------------------------------------
 
 static const program_t* Program = nullptr;
@@ -158,6 +164,7 @@ void read_tables(const char* inpFname) {
     OwnName = ProgramName;
     Ntables = Nsets = HeadersMet = SetsEnded = 0;
     release_curves();
+    MetWrongRow = meet_wrong_row;
     if (detect_int_table_version(inpFname) == 2)
         parse_kova_int_tables_ver2(inpFname);
     else
@@ -207,14 +214,19 @@ static void require_table() {
         fail(stderr, "no data sets in table %d of %s\n", TableN, InputName);
 }
 
-static void require_sets() {
+static void require_listed(int count, const int* Nd, const int* Nc) {
     char sets[400];
     print_sets(sets, sizeof sets);
-    for (int i = 0; i < NparToRead; i++) {
-        if (!is_met(ParToReadNum1[i], ParToReadNum2[i]))
-            fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", ParToReadNum1[i],
-                 ParToReadNum2[i], InputName, TableN, sets);
+    for (int i = 0; i < count; i++) {
+        if (!is_met(Nd[i], Nc[i]))
+            fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", Nd[i], Nc[i], InputName,
+                 TableN, sets);
     }
+}
+
+static void require_sets() {
+    require_listed(NparToRead, ParToReadNum1, ParToReadNum2);
+    require_listed(NparToCombine, ParToCombineNum1, ParToCombineNum2);
     if (SetsEnded < Ncurves)
         fail(stderr, "%s ends in the middle of data set %d-%d\n", InputName, CurveNd[Ncurves - 1],
              CurveNc[Ncurves - 1]);
@@ -224,12 +236,22 @@ static void require_sets() {
     }
 }
 
+// Where they are missing, gravlex takes the s-values for them.
+static void require_deviations() {
+    for (int j = 1; j < NcolsToPlot; j++) {
+        const deviation_t deviation = deviation_of(PlotColType[j]);
+        if (deviation != DEV_NONE && deviation != DEV_HIDDEN && ColErrIdx[j] == 0)
+            fail(stderr, "no deviations to show in %s: read smss as well\n", InputName);
+    }
+}
+
 void read_input(const char* inpFname) {
     InputName = inpFname;
     read_tables(inpFname);
     require_table();
     require_sets();
     link_deviations();
+    require_deviations();
     group_columns();
     group_curves();
 }
@@ -261,4 +283,15 @@ bool has_series(plot_t plot) {
         found = found || (deviation_of(PlotColType[j]) != DEV_HIDDEN && column_points(c, j) > 0);
     });
     return found;
+}
+
+void require_series(const char* inpFname) {
+    bool found = false;
+    for_each_plot([&](plot_t plot) { found = found || has_series(plot); });
+    for (int j = 1; j < NcolsToPlot; j++) {
+        if (PlotColType[j] == P_GINT_R)
+            fail(stderr, "R-values cannot be drawn: name the kinds of %s with --data\n", inpFname);
+    }
+    if (!found)
+        fail(stderr, "nothing to draw in table %d of %s\n", TableN, inpFname);
 }

@@ -50,7 +50,8 @@ const set_t& own_columns(int c);
 
 // Reads the selected table and forms the plot groups. Ends the run with a sentence where gravlex
 // goes on without a word: no table of that number, none at all, a kind or a set that is named and
-// not there, a set without rows, a file that ends in the middle of a set.
+// not there, deviations that are to be shown and are not read, a set without rows, a file that
+// ends in the middle of a set.
 void read_input(const char* inpFname);
 
 // The same without the sentences about what is not there: for a program that lists it.
@@ -75,6 +76,9 @@ void for_each_plot(visitor_t visit) {
         }
     }
 }
+
+// Ends the run with a sentence if no plot has anything to draw, or one has what has no style.
+void require_series(const char* inpFname);
 
 // The ranges of a plot of that page.
 ranges_t ranges_of(plot_t plot);

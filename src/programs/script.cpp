@@ -25,6 +25,8 @@ static const program_t Script = {"gravlex-script", "[options...] inputfile", Own
                                  [](int) { return true; }, Refused};
 
 static const char* InputName = nullptr;
+static const char* Terminal =
+    nullptr;  // that --term names; the core would repeat it in each panel
 static int ArgCount = 0;
 static char** Arguments = nullptr;
 
@@ -62,25 +64,29 @@ static void write_content() {
 }
 
 // How to draw it, with the script's own name.
+static void write_way(const char* way, const char* name) {
+    std::fprintf(f, "# %s %s", way, *name == '-' ? "./" : "");
+    write_word(name);
+    std::fprintf(f, "\n");
+}
+
 static void write_usage(const char* name) {
-    const struct {
-        const char* what;
-        const char* terminal;
-    } ways[] = {{"PNG:", "pngcairo size 1200,800"}, {"PDF:", "pdfcairo size 17cm,11cm"}};
     if (image_is_asked_for()) {
-        std::fprintf(f, "# Draw the image:   gnuplot ");
-        write_word(name);
-        std::fprintf(f, "\n");
+        write_way("Draw the image:  gnuplot", name);
         return;
     }
-    std::fprintf(f, "# In a window:      gnuplot -persist ");
-    write_word(name);
-    for (const auto& way : ways) {
-        std::fprintf(f, "\n# As %-14s gnuplot -e \"set terminal %s; set output 'plot.%.3s'\" ",
-                     way.what, way.terminal, way.terminal);
-        write_word(name);
-    }
-    std::fprintf(f, "\n");
+    write_way("In a window:  gnuplot -persist", name);
+    if (Terminal != nullptr)
+        return;                                      // it would replace those
+    if (MultiPlot || std::strcmp(Output, "-") != 0)  // a PNG has one page
+        write_way(
+            "As PNG:       gnuplot -e "
+            "\"set terminal pngcairo size 1200,800; set output 'plot.png'\"",
+            name);
+    write_way(
+        "As PDF:       gnuplot -e "
+        "\"set terminal pdfcairo size 17cm,11cm; set output 'plot.pdf'\"",
+        name);
 }
 
 static void write_comment(const char* name) {
@@ -101,16 +107,15 @@ static void write_plot(plot_t plot) {
     write_settings(plot, ranges_of(plot));
     if (has_series(plot))
         write_plot_command(plot);
-    else if (page_has_panels())
-        std::fprintf(f, "set multiplot next\n");
 }
 
 // The terminal stands in front: on a page of panels gnuplot would refuse to change it.
 static void write_terminal(const char* image) {
-    if (UserTerminal)
-        std::fprintf(f, "set terminal %s\n", UserTerminalName);
-    if (image == nullptr)
+    if (image == nullptr) {
+        if (Terminal != nullptr)
+            std::fprintf(f, "set terminal %s\n", Terminal);
         return;
+    }
     write_image_terminal();
     std::fprintf(f, "set output ");
     write_name(f, image);
@@ -146,6 +151,8 @@ static void write_windows() {
     int number = 0;
     for_each_plot([&](plot_t plot) {
         number++;
+        if (!has_series(plot))
+            return;
         write_terminal(image_name(number));
         if (!image_is_asked_for())
             std::fprintf(f,
@@ -161,6 +168,8 @@ static void write_scripts() {
     int number = 0;
     for_each_plot([&](plot_t plot) {
         number++;
+        if (!has_series(plot))
+            return;
         const char* name = numbered_name(Output, number);
         f = new_file(name, Force);
         write_comment(name);
@@ -176,6 +185,9 @@ int main(int argc, char** argv) {
     InputName = only_input(start_program(argc, argv, Script));
     read_input(InputName);
     require_equal_columns(InputName);
+    require_series(InputName);
+    Terminal = UserTerminal ? UserTerminalName : nullptr;
+    UserTerminal = 0;
     NamedBlocks = 1;
     const bool to_output = std::strcmp(Output, "-") == 0;
     if (MultiPlot || to_output)

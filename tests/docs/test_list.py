@@ -27,19 +27,10 @@ class List(unittest.TestCase):
         self.assertEqual(set(LISTED.refused), pages)
 
     def test_options(self):
-        """A shell script has its usage only."""
-        for name in set(LISTED.refused) - {"gravlex-script"}:
+        for name in LISTED.refused:
             with self.subTest(name):
                 listed = [option for option, _ in LISTED.options(name)]
                 self.assertEqual(shown(listed), shown(program.options(BUILD / name)))
-
-    def test_script(self):
-        run = subprocess.run([program.ROOT / "src/script/gravlex-script", "--help"],
-                             capture_output=True, text=True, check=True)
-        own = [option for option, _ in LISTED.options("gravlex-script") if not option.name]
-        usage = "".join(f"[-{option.short}{' ' * bool(option.label)}{option.label}] "
-                        for option in own)
-        self.assertEqual(run.stdout, f"usage: gravlex-script {usage}GRAVLEX-ARGUMENTS...\n")
 
     def test_types(self):
         known = set(LISTED.sections) | {"", "file", "sets"}

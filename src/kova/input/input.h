@@ -107,6 +107,7 @@ extern void (*MetTable)();              // the mark of a table, up to the select
 extern void (*MetSet)(int Nd, int Nc);  // a set of the selected table, whether it is read or not
 extern void (*MetHeader)();             // a header row: the columns above are those of it
 extern void (*MetSetEnd)();             // the rule below a set that was read
+extern void (*MetWrongRow)();           // a row that does not have as many numbers as columns
 extern void (*MetFactor)(const char* text);  // the text of a factor, which stands until the next
 extern void (*MetRow)(const char* line);     // a row of a set that is read
 

@@ -84,6 +84,7 @@ void (*MetHeader)() = nullptr;
 void (*MetSetEnd)() = nullptr;
 void (*MetFactor)(const char* text) = nullptr;
 void (*MetRow)(const char* line) = nullptr;
+void (*MetWrongRow)() = nullptr;
 
 static bool has(const char* line, const char* mark) {
     return std::strstr(line, mark) != nullptr;
@@ -183,6 +184,8 @@ static void read_data_row(const char* inpstr) {
     append_point();
     double dtmp[MAX_NUMBERS];
     const int nrd = read_numbers(inpstr, dtmp);
+    if (nrd != Ncols && MetWrongRow != nullptr)
+        MetWrongRow();
     if (nrd != Ncols)
         fail(stdout, "Invalid number of columns: expected %d, read %d \n", Ncols, nrd);
     for (int j = 0; j < NcolsToPlot; j++)

@@ -41,7 +41,7 @@ static void close_output() {
     // GCOV_EXCL_STOP
     if (OutputError == 0 || OutputError == EPIPE)
         return;
-    std::fprintf(stderr, "Cannot write to standard output: %s\n", std::strerror(OutputError));
+    complain("Cannot write to standard output: %s\n", std::strerror(OutputError));
     std::fflush(nullptr);  // gnuplot still gets what is on its way
     _exit(EXIT_FAILURE);
 }
