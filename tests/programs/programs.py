@@ -28,7 +28,8 @@ def table(*sets, labels=("   Exp. sM(s)", "   Thr. sM(s)"), value=float, end=Tru
         header = "".join(f"{word}  |" for word in ("       S    ", *own))
         rows = "".join(f" {s / 10:8.3f}" + f" {value(s % 7):8.3f}" * len(own) + "\n"
                        for s in range(20, 60))
-        text += f" Set: {label} of some\n 40 points\n Scale=0.9500 \n{rule}\n{header}\n{rule}\n{rows}"
+        text += f" Set: {label} of some\n 40 points\n Scale=0.9500 \n"
+        text += f"{rule}\n{header}\n{rule}\n{rows}"
         text += f"{rule}\n" if end or label != sets[-1] else ""
     return text + "\n The end.\n" * end
 

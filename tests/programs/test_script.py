@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""gravlex-script: the real gnuplot draws from its files what it draws for gravlex. What the programs
-say in common about their input and their files is tested here for all of them."""
+"""gravlex-script: the real gnuplot draws from its files what it draws for gravlex. What the
+programs say in common about their input and their files is tested here for all of them."""
 
 import gzip
 import os
@@ -301,8 +301,8 @@ class Script(ProgramTest):
 
     def test_ignored_signals(self):
         (self.home / "in").write_text(table(*(f"{n}-1" for n in range(200))))
-        self.run_program("sh", "-c", 'trap "" HUP; "$@" & while ! ls -A | grep -q gravlex-; do :; done; '
-                         "kill -HUP $!; wait $!", "sh", PROGRAM.parent / "gravlex-script",
+        self.run_program("sh", "-c", 'trap "" HUP; "$@" & '
+                         "while ! ls -A | grep -q gravlex-; do :; done; kill -HUP $!; wait $!", "sh", PROGRAM.parent / "gravlex-script",
                          "--no-multiplot", "../in")
         self.assertEqual(len(self.files()), 400)
 
@@ -313,7 +313,7 @@ class Script(ProgramTest):
         self.script("--output", "b", *ONE_PLOT)
         one, two = (self.kept(name).split("\n", 4) for name in "ab")
         self.assertEqual(one[2:4], two[2:4])
-        self.assertEqual(one[4].replace(" a\n", " b\n"), two[4].replace("plot.png", "plot.png"))
+        self.assertEqual(one[4].replace(" a\n", " b\n"), two[4])
 
     def test_command_line(self):
         self.assertIn(b"Usage: gravlex-script", self.script()[0])
