@@ -105,7 +105,6 @@ static void end_the_list() {
     MetTable = meet_table;
     MetSetEnd = list_set;
     std::atexit(end_the_list);
-    new_file("-", false);
     if (detect_int_table_version(inpFname) == 2)
         parse_kova_int_tables_ver2(inpFname);
     else
@@ -117,10 +116,13 @@ static void end_the_list() {
              CurveNc[Ncurves - 1]);
     if (Ncurves == 0)
         std::printf("%5d  %-8s %6d  %8s  %8s  %-8s  -\n", TableN, "-", 0, "-", "-", "-");
-    MayGoOn = false;
     ProgramName = OwnName;
-    keep_files();
-    MayGoOn = true;
+    // What cannot be written now cannot be written for the next table either.
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        if (errno != EPIPE)
+            complain("Cannot write to standard output: %s\n", std::strerror(errno));
+        _exit(NO_LIST);
+    }
     std::exit(EXIT_SUCCESS);
 }
 

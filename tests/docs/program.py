@@ -85,5 +85,4 @@ def messages(paths):
             lines = joined(match["format"]).split("\n")
             found |= {(line.strip(), stream) for line in lines if re.sub("%[a-z]", "", line)}
     found.discard(("%s: %s", "stderr"))  # the form in which other programs say them
-    assert found, "the messages could not be found"
     return found

@@ -139,7 +139,8 @@ class Refused(kova.Programs):
                 ("csv is no output of KOVA: there is no table in it", "a", "csv"),
                 ("no table 2 in a (it has 1)", "-t2", "a", "b"),
                 ("cut ends in the middle of data set 1-1", "a", "b", "cut"),
-                ("table 1 of odd: Invalid number of columns: expected 3, read 2", "a", "odd"),
+                ("table 1 of odd: a row of data set 1-1 does not have 3 numbers: is the file "
+                 "complete?", "a", "odd"),
                 ("Cannot open file 'none'", "a", "none"),
                 ("a exists already: -f replaces it", "-o", "a", "a", "b")):
             with self.subTest(sentence):
@@ -157,7 +158,7 @@ class Refused(kova.Programs):
 
     def test_full_disk(self):
         with open("/dev/full", "wb") as full:
-            self.check_refused("cannot write standard output: No space left on device", PROGRAM,
+            self.check_refused("Cannot write to standard output: No space left on device", PROGRAM,
                                "a", files={"a": ONE}, stdout=full)
 
     def test_row_too_long(self):
