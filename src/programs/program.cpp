@@ -214,19 +214,19 @@ static void require_table() {
         fail(stderr, "no data sets in table %d of %s\n", TableN, InputName);
 }
 
-static void require_listed(int count, const int* Nd, const int* Nc) {
+void require_set(int Nd, int Nc) {
+    if (is_met(Nd, Nc))
+        return;
     char sets[400];
     print_sets(sets, sizeof sets);
-    for (int i = 0; i < count; i++) {
-        if (!is_met(Nd[i], Nc[i]))
-            fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", Nd[i], Nc[i], InputName,
-                 TableN, sets);
-    }
+    fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", Nd, Nc, InputName, TableN, sets);
 }
 
 static void require_sets() {
-    require_listed(NparToRead, ParToReadNum1, ParToReadNum2);
-    require_listed(NparToCombine, ParToCombineNum1, ParToCombineNum2);
+    for (int i = 0; i < NparToRead; i++)
+        require_set(ParToReadNum1[i], ParToReadNum2[i]);
+    for (int i = 0; i < NparToCombine; i++)
+        require_set(ParToCombineNum1[i], ParToCombineNum2[i]);
     if (SetsEnded < Ncurves)
         fail(stderr, "%s ends in the middle of data set %d-%d\n", InputName, CurveNd[Ncurves - 1],
              CurveNc[Ncurves - 1]);

@@ -57,6 +57,9 @@ void read_input(const char* inpFname);
 // The same without the sentences about what is not there: for a program that lists it.
 void read_tables(const char* inpFname);
 
+// Ends the run with a sentence if the table has no such set. After read_input.
+void require_set(int Nd, int Nc);
+
 // Ends the run with a sentence if the sets that were read have different columns: one column map
 // could not be right for all of them.
 void require_equal_columns(const char* inpFname);

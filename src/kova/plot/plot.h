@@ -153,6 +153,11 @@ void write_plot_command(plot_t plot);
 // Sends the data of every series of that command, in the same order.
 void write_data_blocks(plot_t plot);
 
+// The data of one of them; its deviations stand before the curve. What is written waits for
+// flush_rows.
+void write_deviation_block(int c, int j, deviation_t deviation);
+void write_curve_block(int c, int j);
+
 // ---- Rows of data (rows.cpp) -------------------------------------------------------------------
 
 // The longest text of a number, and a blank or newline behind it: sign, 309 digits, point and six

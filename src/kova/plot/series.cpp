@@ -139,7 +139,7 @@ void write_plot_command(plot_t plot) {
 
 // ---- The data ----------------------------------------------------------------------------------
 
-static void write_deviation_block(int c, int j, deviation_t deviation) {
+void write_deviation_block(int c, int j, deviation_t deviation) {
     const double* y = Curve[c][j];
     const double* d = Curve[c][ColErrIdx[j]];
     const double shift = CurveShift[c][j];
@@ -155,7 +155,7 @@ static void write_deviation_block(int c, int j, deviation_t deviation) {
     end_rows();
 }
 
-static void write_curve_block(int c, int j) {
+void write_curve_block(int c, int j) {
     const double* y = Curve[c][j];
     const double shift = CurveShift[c][j];
     const int n = column_points(c, j);
