@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+//
+// gravlex-figure: the figure of a paper, or a page for a browser.
+#include "figure.h"
+
+#include <popt.h>
+#include <strings.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+// A tic mark at "scale 1" and the depth of the numbers are those of gnuplot's cairo and svg
+// terminals.
+static const format_t Formats[] = {
+    {".pdf", "%%EOF", 0.447, 1.49, 2.0},
+    {".eps", "%%EOF", 0.447, 1.49, 2.0},
+    {".png", "IEND\xae\x42\x60\x82", 0.447, 1.49, 2.0},
+    {".svg", "</svg>", 0.75, 1.826, 1.45},
+    {".html", "</svg>", 0.75, 1.826, 1.45},
+};
+
+look_t Look = {nullptr, 17.0, 11.0, 8.0, 600, 0, {}};
+
+static char* Output = nullptr;
+static int Force = 0;
+static char *Size, *Name;  // as popt stores them
+
+bool is_format(const char* ending) {
+    return std::strcmp(Look.format->ending, ending) == 0;
+}
+
+double points_of(double cm) {
+    return std::floor(cm / 2.54 * 72 + 0.5);
+}
+
+// ---- The command line --------------------------------------------------------------------------
+
+namespace {
+enum own_code_t { OPT_SIZE = 2000, OPT_NAME };
+}  // namespace
+
+// clang-format off
+static const poptOption Options[] = {
+    {"output", 'o', POPT_ARG_STRING, &Output, 0,
+     "Write the figure into this file: .pdf, .eps, .svg, .png or .html", "FILE"},
+    {"force", 'f', POPT_ARG_NONE, &Force, 0,
+     "Overwrite files that exist", nullptr},
+    {"size", 's', POPT_ARG_STRING, &Size, OPT_SIZE,
+     "Width and height of the figure in cm", "WIDTHxHEIGHT"},
+    {"points", 'p', POPT_ARG_DOUBLE, &Look.letters, 0,
+     "Size of the letters in points", "POINTS"},
+    {"dpi", '\0', POPT_ARG_INT, &Look.dpi, 0,
+     "Resolution of a PNG in pixels an inch", "DPI"},
+    {"grey", 'g', POPT_ARG_NONE, &Look.grey, 0,
+     "Use shades of grey instead of colours", nullptr},
+    {"name", 'n', POPT_ARG_STRING, &Name, OPT_NAME,
+     "Name of a data set in the legend", "N-M=TEXT"},
+    POPT_TABLEEND
+};
+// clang-format on
+
+static const refused_option_t Refused[] = {
+    {"png", "use -o FILE.png"},
+    {"eps", "use -o FILE.eps"},
+    {"svg", "use -o FILE.svg"},
+    {"imgw", "use -s WIDTHxHEIGHT, in cm"},
+    {"imgl", "use -s WIDTHxHEIGHT, in cm"},
+    {"term", "the ending of -o FILE decides"},
+    {nullptr, nullptr},
+};
+
+static bool read_size() {
+    int length = 0;
+    if (std::sscanf(Size, "%lfx%lf%n", &Look.width, &Look.height, &length) == 2 &&
+        Size[length] == '\0' && Look.width >= 1 && Look.width <= 200 && Look.height >= 1 &&
+        Look.height <= 200)
+        return true;
+    complain("the size is WIDTHxHEIGHT in cm, each from 1 to 200, as in 17x11; not '%s'\n", Size);
+    return false;
+}
+
+// The bytes of the character that begins here; 0 if it is no UTF-8 or controls something.
+static int character_length(const char* text) {
+    const unsigned char first = static_cast<unsigned char>(*text);
+    if (first < 0x80)
+        return first >= ' ' && first != 0x7f ? 1 : 0;
+    if (first < 0xc2 || first > 0xf4 ||
+        (first == 0xc2 && static_cast<unsigned char>(text[1]) < 0xa0))
+        return 0;
+    const int length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    for (int i = 1; i < length; i++) {
+        if ((text[i] & 0xc0) != 0x80)
+            return 0;
+    }
+    return length;
+}
+
+static bool is_text(const char* text) {
+    while (*text != '\0') {
+        const int length = character_length(text);
+        if (length == 0)
+            return false;
+        text += length;
+    }
+    return true;
+}
+
+static bool read_name() {
+    PlotLegend = 1;
+    const char* equals = std::strchr(Name, '=');
+    set_name_t name = {0, 0, equals == nullptr ? "" : equals + 1};
+    const std::string set(Name, equals == nullptr ? 0 : static_cast<std::size_t>(equals - Name));
+    if (parse_int_curve(set.c_str(), &name.Nd, &name.Nc) != 0) {
+        complain("a name is N-M=TEXT, as in 1-1='500 mm'; not '%s'\n", Name);
+        return false;
+    }
+    if (!is_text(name.text.c_str())) {
+        complain("the name of %s is no text in UTF-8 on one line\n", set.c_str());
+        return false;
+    }
+    Look.names.push_back(name);
+    return true;
+}
+
+static bool handle_option(int code) {
+    return code == OPT_SIZE ? read_size() : read_name();
+}
+
+static const program_t Program = {"gravlex-figure", "[options...] inputfile", Options,
+                                  handle_option, Refused};
+
+static void find_format() {
+    if (Output == nullptr)
+        fail(stderr, "into which file? -o FILE.pdf, .eps, .svg, .png or .html says it\n");
+    const std::size_t length = std::strlen(Output);
+    for (const format_t& format : Formats) {
+        const std::size_t ending = std::strlen(format.ending);
+        if (length > ending && strcasecmp(Output + length - ending, format.ending) == 0)
+            Look.format = &format;
+    }
+    if (Look.format == nullptr)
+        fail(stderr, "%s has none of the endings .pdf, .eps, .svg, .png and .html\n", Output);
+}
+
+static void require_between(const char* option, double value, double least, double most) {
+    if (!(least <= value && value <= most))
+        fail(stderr, "--%s is a number from %g to %g\n", option, least, most);
+}
+
+// gnuplot would take these and draw something else, or nothing.
+static void check_numbers() {
+    require_between("points", Look.letters, 1, 200);
+    require_between("dpi", Look.dpi, 10, 10000);
+    require_between("lw", LineWidthFactor, 0, 1000);
+    require_between("elw", ErrLineWidthFactor, 0, 1000);
+    require_between("psf", PointSizeFactor, 0, 1000);
+    require_between("efa", ErrFillAlpha, 0, 1);
+    require_between("ratio", PlotRatio, -1e6, 1e6);
+    require_between("style_sms", Type[d_idx(P_GINT_SMS)].style_type, ST_LINES, ST_LPOINTS);
+    const double most = 32767;  // of the library that draws for gnuplot
+    const double pixels = std::max(Look.width, Look.height) / 2.54 * Look.dpi;
+    if (is_format(".png") && pixels > most)
+        fail(stderr, "a PNG has at most %g pixels a side: use a lower --dpi\n", most);
+}
+
+// ---- What the input must have ------------------------------------------------------------------
+
+static void require_drawable(const char* inpFname) {
+    require_equal_columns(inpFname);
+    for (const set_name_t& name : Look.names)
+        require_set(name.Nd, name.Nc);
+    for (int j = 1; j < NcolsToPlot; j++) {
+        if (PlotColType[j] == P_GINT_R)
+            fail(stderr, "R-values cannot be drawn: choose kinds with --dread or --data\n");
+        const deviation_t deviation = deviation_of(PlotColType[j]);
+        if (deviation != DEV_NONE && deviation != DEV_HIDDEN && ColErrIdx[j] == 0)
+            fail(stderr, "no standard deviations in %s, or not among the kinds: smss\n", inpFname);
+    }
+}
+
+// ---- Pages -------------------------------------------------------------------------------------
+
+static bool is_named(const set_name_t& name, int c) {
+    return name.Nd == CurveNd[c] && name.Nc == CurveNc[c];
+}
+
+static std::string entry_text(int c, int j) {
+    std::string set = std::to_string(CurveNd[c]) + "-" + std::to_string(CurveNc[c]);
+    for (const set_name_t& name : Look.names) {
+        if (is_named(name, c))
+            set = name.text;
+    }
+    return Type[d_idx(PlotColType[j])].name_short + (" (" + set + ")");
+}
+
+// An axis needs two ends, in this order, that the numbers on it can tell from each other.
+static void widen(const char* axis, double* low, double* high) {
+    if (!std::isfinite(*low) || !std::isfinite(*high) || std::fabs(*low) > 1e15 ||
+        std::fabs(*high) > 1e15)
+        fail(stderr, "the values of %s are no numbers that can be drawn\n", axis);
+    const double size = std::max(std::fabs(*low), std::fabs(*high));
+    if (*high < *low)
+        fail(stderr, "the axis of %s cannot run from %g to %g\n", axis, *low, *high);
+    if (*high - *low > 1e-6 * size && *high - *low > 1e-5)
+        return;
+    const double room = std::max(1.0, 0.05 * size);
+    *low -= room;
+    *high += room;
+}
+
+static panel_t panel_of(plot_t plot) {
+    panel_t panel = {};
+    panel.plot = plot;
+    panel.ranges = ranges_of(plot);
+    widen("s", &panel.ranges.xmin, &panel.ranges.xmax);
+    widen("y", &panel.ranges.ymin, &panel.ranges.ymax);
+    if (!PlotLegend && !is_format(".html"))
+        return panel;
+    for_each_column(plot, [&](int c, int j) {
+        if (deviation_of(PlotColType[j]) != DEV_HIDDEN && column_points(c, j) > 0)
+            panel.entries.push_back({c, j, entry_text(c, j), 0.0, 0.0});
+    });
+    return panel;
+}
+
+static bool is_shifted(const page_t& page) {
+    bool shifted = false;
+    for (const panel_t& panel : page.panels)
+        for_each_column(panel.plot,
+                        [&](int c, int j) { shifted = shifted || CurveShift[c][j] != 0.0; });
+    return shifted;
+}
+
+// A page for all plots, or one for each. A plot of deviations that are shown with the curves has
+// no room on a page: the groups of data sets are its rows, so that a column is empty in all of
+// them.
+static std::vector<page_t> make_pages() {
+    std::vector<page_t> pages;
+    for_each_plot([&](plot_t plot) {
+        if (!has_series(plot))
+            return;
+        if (pages.empty() || !MultiPlot)
+            pages.emplace_back();
+        pages.back().panels.push_back(panel_of(plot));
+    });
+    for (page_t& page : pages) {
+        page.rows = MultiPlot ? CurveGroupsToPlot : 1;
+        page.columns = static_cast<int>(page.panels.size()) / page.rows;
+        page.numbers = PlotYtics && !is_shifted(page);
+    }
+    return pages;
+}
+
+static void write_pages(const std::vector<page_t>& pages, const char* title) {
+    int number = 0;
+    for (const page_t& page : pages) {
+        char* name = MultiPlot ? Output : numbered_name(Output, ++number);
+        FILE* file = new_file(name, Force != 0);
+        const std::string picture = draw_page(page, title);
+        std::fwrite(picture.data(), 1, picture.size(), file);
+        if (name != Output)
+            std::free(name);
+    }
+    keep_files();
+}
+
+static void make_figure(int argc, char** argv) {
+    const char* inpFname = only_input(start_program(argc, argv, Program));
+    find_format();
+    check_numbers();
+    read_input(inpFname);
+    require_drawable(inpFname);
+    NamedBlocks = 1;
+    std::vector<page_t> pages = make_pages();
+    if (pages.empty())
+        fail(stderr, "nothing of the chosen kinds is in %s\n", inpFname);
+    for (page_t& page : pages)
+        lay_out(&page);
+    const char* slash = std::strrchr(inpFname, '/');
+    write_pages(pages, slash == nullptr ? inpFname : slash + 1);
+}
+
+int main(int argc, char** argv) {
+    try {
+        make_figure(argc, argv);
+    } catch (const std::bad_alloc&) {
+        fail(stderr, "Cannot allocate memory\n");
+    }
+    return EXIT_SUCCESS;
+}

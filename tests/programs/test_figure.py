@@ -1,0 +1,145 @@
+# SPDX-License-Identifier: MIT
+"""gravlex-figure from its command line to its files, and what it says where there are none."""
+import os
+import signal
+import time
+import unittest
+
+import figures
+import running
+from figures import BENZENE, CCL4, CIRCLES, FIGURE, GNUPLOT, ONE_PLOT, drawn, figure
+
+running.require("gnuplot")
+
+ENDS = {"a.pdf": (b"%PDF-", b"%%EOF\n"), "a.eps": (b"%!PS-Adobe-3.0 EPSF-3.0", b"%%EOF\n"),
+        "a.svg": (b"<?xml", b"</svg>\n\n"), "a.png": (b"\x89PNG", b"IEND\xae\x42\x60\x82"),
+        "a.html": (b"<!DOCTYPE html>", b"</html>\n")}
+# An input or option that is refused, and what is said.
+REFUSED = (
+    ((CCL4,), r"into which file\? -o FILE.pdf, .*"),
+    (("-o", "a.gif", CCL4), "a.gif has none of the endings .*"),
+    (("-o", ".pdf", CCL4), ".pdf has none of the endings .*"),
+    (("--png", "a.png", CCL4), "--png makes no sense here: use -o FILE.png"),
+    (("--eps", "a.eps", CCL4), "--eps makes no sense here: use -o FILE.eps"),
+    (("--svg", "a.svg", CCL4), "--svg makes no sense here: use -o FILE.svg"),
+    (("-w", "100", CCL4), "--imgw makes no sense here: use -s WIDTHxHEIGHT, in cm"),
+    (("-l", "100", CCL4), "--imgl makes no sense here: use -s WIDTHxHEIGHT, in cm"),
+    (("--term", "dumb", CCL4), "--term makes no sense here: .*"),
+    (("-o", "a.pdf", "-s", "8,5x6", CCL4), "the size is WIDTHxHEIGHT in cm, .*; not '8,5x6'"),
+    (("-o", "a.pdf", "-s", "8x0", CCL4), "the size is .*"),
+    (("-o", "a.pdf", "-s", "8x6cm", CCL4), "the size is .*"),
+    (("-o", "a.pdf", "-s", "nanx6", CCL4), "the size is .*"),
+    (("-o", "a.pdf", "-p", "0", CCL4), "--points is a number from 1 to 200"),
+    (("-o", "a.png", "--dpi", "0", CCL4), "--dpi is a number from 10 to 10000"),
+    (("-o", "a.png", "--dpi", "10000", CCL4), "a PNG has at most 32767 pixels a side: .*"),
+    (("-o", "a.pdf", "--efa", "2", CCL4), "--efa is a number from 0 to 1"),
+    (("-o", "a.pdf", "--lw", "nan", CCL4), "--lw is a number from 0 to 1000"),
+    (("-o", "a.pdf", "--style_sms", "4", CCL4), "--style_sms is a number from 1 to 3"),
+    (("-o", "a.pdf", "-n", "1-1", CCL4), "a name is N-M=TEXT, .*; not '1-1'"),
+    (("-o", "a.pdf", "-n", "x=1-1", CCL4), "a name is N-M=TEXT, .*; not 'x=1-1'"),
+    (("-o", "a.pdf", "-n", "1-1=a\nb", CCL4), "the name of 1-1 is no text in UTF-8 on one line"),
+    (("-o", "a.pdf", "-n", os.fsdecode(b"1-1=\xc5"), CCL4), "the name of 1-1 is no text .*"),
+    (("-o", "a.pdf", "-n", "9-9=x", CCL4),
+     r"no data set 9-9 in .*ccl4.out \(table 1 has 1-1, 2-1, 3-1\)"),
+    (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),
+    (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4), "no standard deviations in .*smss"),
+    (("-o", "a.pdf", running.EXAMPLES / "r_values.out"), "R-values cannot be drawn: .*"),
+    (("-o", "a.pdf", "--smserrfill", "-d", "smss", CCL4), "nothing of the chosen kinds is in .*"),
+    (("-o", "a.pdf", "empty"), "empty is no output of KOVA: there is no table in it"),
+    (("-o", "no/a.pdf", *CIRCLES), "cannot write no/a.pdf: No such file or directory"),
+)
+
+
+def refused(test, run, said):
+    test.assertRegex(run.stderr, rf"\A(gravlex-figure: .*\n)*gravlex-figure: {said}\n\Z")
+    test.assertEqual((run.status, run.files), (1, {}))
+
+
+class Files(unittest.TestCase):
+    def test_formats(self):
+        for name, (start, end) in ENDS.items():
+            with self.subTest(name):
+                files = drawn("-o", name, *ONE_PLOT).files
+                self.assertEqual(list(files), [name])
+                self.assertTrue(files[name].startswith(start), files[name][:40])
+                self.assertTrue(files[name].endswith(end), files[name][-40:])
+
+    def test_numbered(self):
+        """A plot of deviations that are shown with the curves has no file."""
+        files = drawn("--no-multiplot", "-o", "fig.svg", "--smserrfill", "-d", "sms,tsms,smss",
+                      "-c", "1-1,2-1", "--", CCL4).files
+        self.assertEqual(list(files), [f"fig-{number}.svg" for number in (1, 2, 3, 4)])
+
+    def test_what_is_there_stays_without_force(self):
+        old = {"fig-2.pdf": b"old"}
+        plots = ("--no-multiplot", "-d", "sms,tsms", "-c", "1-1", CCL4)
+        run = figure("-o", "fig.pdf", *plots, files=old)
+        refused(self, run, "fig-2.pdf exists already: -f replaces it")
+        self.assertEqual(list(drawn("-f", "-o", "fig.pdf", *plots, files=old).files),
+                         ["fig-1.pdf", "fig-2.pdf"])
+
+    def test_names(self):
+        for name in "it's \"a\" %d`id`$x.pdf", "|touch x.pdf", "-f.PDF", "a\nb.pdf", "ü\\.svg", \
+                os.fsdecode(b"\xff.png"):
+            with self.subTest(name):
+                files = drawn("-o", name, "-s", "6x4", *CIRCLES).files
+                self.assertEqual(list(files), [name])
+
+    def test_input_name_in_the_page(self):
+        name = "<a> & \"b'.out"
+        page = drawn("-o", "a.html", "--data", "sms", "--curves", "1-1", name,
+                     files={name: CCL4.read_bytes()}).files["a.html"]
+        self.assertIn(b"<title>&lt;a&gt; &amp; \"b'.out</title>", page)
+
+
+class Refused(unittest.TestCase):
+    def test_sentences(self):
+        for arguments, said in REFUSED:
+            with self.subTest(arguments):
+                refused(self, figure(*arguments, files={"empty": ""}), said)
+
+    def test_sets_with_other_columns(self):
+        one, other = "|   Thr. sM(s)  |", "|  Delta sM(s)  |"
+        text = CCL4.read_text().replace(one + other[1:], other + one[1:], 1)
+        refused(self, figure("-o", "a.pdf", "a.out", files={"a.out": text}),
+                "data sets 1-1 and 2-1 of a.out have different columns: .*")
+
+    def test_without_arguments(self):
+        run = running.run([FIGURE])
+        self.assertEqual((run.status, run.stdout[:21]), (0, b"Usage: gravlex-figure"))
+
+
+class Failures(unittest.TestCase):
+    def test_gnuplot(self):
+        for gnuplot, said in (
+                (None, "gnuplot not found: install it, or put it on the search path"),
+                (b"#!/bin/sh\necho trouble >&2\nexit 1\n", "gnuplot says: trouble"),
+                (b"#!/bin/sh\nexit 0\n", "gnuplot ended without a picture"),
+                (f"#!/bin/sh\n{GNUPLOT} \"$@\" | head -c 9999\n".encode(),
+                 "gnuplot did not finish the picture: .*")):
+            for name in ENDS:
+                with self.subTest(said, name=name):
+                    refused(self, figure("-o", name, *ONE_PLOT, gnuplot=gnuplot), said)
+
+    def test_full_disk(self):
+        """Of the file, and of temporary ones: blocks of 512 bytes."""
+        for blocks in 4, 100:
+            limited = ("sh", "-c", f'ulimit -f {blocks}; exec "$@"', "sh", FIGURE)
+            run = figure("-o", "a.svg", *ONE_PLOT, command=limited)
+            self.assertRegex(run.stderr, "gravlex-figure: .*\n")
+            self.assertEqual((run.status, run.files), (1, {}))
+
+    def test_signals(self):
+        waits = b'#!/bin/sh\n: >"$RECORD/started"\nexec sleep 100\n'
+        for number in signal.SIGHUP, signal.SIGINT, signal.SIGTERM:
+            def end(process, folder, number=number):
+                while not (folder / "record" / "started").exists():
+                    time.sleep(0.01)
+                process.send_signal(number)
+            run = figure("-f", "-o", "a.pdf", *ONE_PLOT, files={"a.pdf": b"old"}, gnuplot=waits,
+                         meanwhile=end)
+            self.assertEqual((run.status, run.files), (-number, {}))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,209 @@
+# SPDX-License-Identifier: MIT
+"""What is in the figures: sizes, letters, colours, and that everything has its place."""
+import re
+import struct
+import unittest
+import zlib
+
+import figures
+import running
+from figures import BENZENE, CCL4, CIRCLES, ONE_PLOT, content, drawn
+
+running.require("gnuplot", "pdffonts", "pdftotext")
+
+NAMES = ("-n", "1-1=500 mm", "-n", "2-1=the long nozzle distance, Ångström λ")
+PLOTS = {
+    "circles": CIRCLES,
+    "names": (*NAMES, *ONE_PLOT),
+    "numbers": ("--ytics", "--no-autoshifts", "--x2tics", "--y2tics", "--grid", "--legend",
+                "--data", "int,bgl,tint", "-t", "2", "--curves", "2-1", BENZENE),
+    "many labels": ("--data", "all", "-t", "3", "--curves", "2-1", CCL4),
+    "band": ("--smserrfill", "--dsmslerrfill", "--data", "sms,tsms,dsms,smss", "--legend",
+             "--curves", "1-1,2-1", CCL4),
+    "ratio": ("--ratio", "0.5", "--data", "sms,tsms", "--curves", "1-1", CCL4),
+    "panels": ("--legend", "--ytics", "-c", "1-1,2-1", "-d", "sms,tsms", CCL4),
+}
+SIZES = (("6x4", 8), ("8.5x6", 8), ("30x20", 8), ("25x15", 18))
+TOO_SMALL = {("names", "6x4"), ("panels", "6x4")}
+
+
+def trimmed(word, points):
+    """Letters do not fill the box of a line: less of it, across the direction of the text."""
+    left, top, right, bottom, text = word
+    edge = 0.12 * points
+    if bottom - top > 1.3 * points > right - left:
+        return left + edge, top, right - edge, bottom, text
+    return left, top + edge, right, bottom - edge, text
+
+
+def meet(one, other):
+    return (one[0] < other[2] - 0.05 and one[2] > other[0] + 0.05
+            and one[1] < other[3] - 0.05 and one[3] > other[1] + 0.05)
+
+
+class Places(unittest.TestCase):
+    def check(self, arguments, size, points):
+        run = drawn("-o", "a.pdf", "-s", size, "-p", str(points), *arguments)
+        width, height = figures.page_size(run.files["a.pdf"])
+        words = [trimmed(word, points) for word in figures.words(run.files["a.pdf"])]
+        places = figures.frames(run.commands, width, height)
+        self.assertGreater(len(words), 5)
+        for index, word in enumerate(words):
+            self.assertTrue(0 <= word[0] and 0 <= word[1], f"cut off: {word}")
+            self.assertTrue(word[2] <= width and word[3] <= height, f"cut off: {word}")
+            for other in words[:index] + places:
+                self.assertFalse(meet(word, other), f"{word} on {other}")
+
+    def test_nothing_is_cut_off_or_overlaps(self):
+        for (name, arguments) in PLOTS.items():
+            for size, points in SIZES:
+                if (name, size) not in TOO_SMALL:
+                    with self.subTest(name, size=size):
+                        self.check(arguments, size, points)
+
+    def test_long_numbers_at_the_ends(self):
+        self.check(("--xmin", "-1000", "--xmax", "1000", *ONE_PLOT), "8.5x6", 8)
+
+    def test_what_is_too_small_says_which_size_would_do(self):
+        for name, size in sorted(TOO_SMALL):
+            with self.subTest(name):
+                run = figures.figure("-o", "a.pdf", "-s", size, *PLOTS[name])
+                said = re.fullmatch(rf"gravlex-figure: {size} cm is too small for this figure: "
+                                    r"it needs ([\d.]+x[\d.]+) cm\n", run.stderr)
+                self.assertEqual((run.status, run.files), (1, {}))
+                self.check(PLOTS[name], said[1], 8)
+
+    def test_panels_have_a_least_size(self):
+        """Letters of any size fit, but nothing could be seen."""
+        run = figures.figure("-o", "a.pdf", "-p", "1", "-s", "7x5", "-d", "sms,tsms", CCL4)
+        self.assertRegex(run.stderr, "it needs 8x9 cm")
+
+    def test_no_room_for_what_is_not_drawn(self):
+        """Deviations that are shown with the curves have no panel."""
+        run = drawn("-o", "a.pdf", "--smserrfill", "-c", "1-1", "-d", "sms,tsms,smss", CCL4)
+        self.assertEqual(len(figures.frames(run.commands, 1, 1)), 2)
+
+
+class Letters(unittest.TestCase):
+    def test_size(self):
+        for points in 8, 18:
+            pdf = content("a.pdf", "-s", "25x15", "-p", str(points), "--legend", *ONE_PLOT)
+            self.assertAlmostEqual(max(figures.letter_sizes(pdf)), points, delta=0.05)
+
+    def test_fonts_are_embedded(self):
+        lines = figures.tool("pdffonts", "-", given=content("a.pdf", *ONE_PLOT)).splitlines()[2:]
+        self.assertTrue(any("Italic" in line for line in lines), lines)
+        for line in lines:
+            self.assertRegex(line, r" yes (yes|no) +(yes|no) +\d+ +\d+$")
+        eps = content("a.eps", *ONE_PLOT)
+        self.assertEqual(eps.count(b"/FontType 42"), 2)
+
+    def test_names_are_literal(self):
+        text = "it's {/:Bold x}_1^2 & <b> \"q\" \\n $x @a %s `id` λÅ"
+        pdf = content("a.pdf", "-s", "30x11", "-n", f"1-1={text}", *ONE_PLOT)
+        shown = " ".join(figures.tool("pdftotext", "-raw", "-", "-", given=pdf).split())
+        self.assertIn(f"Exp.sM(s) ({text})", shown)
+        self.assertIn("Exp.sM(s) (2-1)", shown)
+
+    def test_numbers_of_y(self):
+        """Where they mean something."""
+        for arguments, numbers in (("--ytics",), False), (("--no-autoshifts",), False), \
+                (("--ytics", "--no-autoshifts"), True):
+            commands = drawn("-o", "a.svg", *arguments, *ONE_PLOT).commands
+            self.assertEqual("set format y '%g'" in commands, numbers, arguments)
+
+
+class Sizes(unittest.TestCase):
+    def test_page(self):
+        for width, height in (8.5, 6), (17, 11):
+            exact = [side / 2.54 * 72 for side in (width, height)]
+            size = f"{width}x{height}"
+            pdf = content("a.pdf", "-s", size, *CIRCLES)
+            eps = content("a.eps", "-s", size, *CIRCLES).decode("latin-1")
+            box = re.search(r"%%BoundingBox: 0 0 (\d+) (\d+)", eps)
+            for sides in figures.page_size(pdf), map(float, box.groups()):
+                for side, wanted in zip(sides, exact):
+                    self.assertAlmostEqual(side, wanted, delta=0.51)
+
+    def test_png(self):
+        for dpi, unit in ((), 23622), (("--dpi", "100"), 3937):
+            png = content("a.png", "-s", "8.5x6", *dpi, *CIRCLES)
+            wanted = [round(side / 2.54 * int(dpi[1] if dpi else 600)) for side in (8.5, 6)]
+            self.assertEqual(list(struct.unpack(">II", png[16:24])), wanted)
+            piece = b"pHYs" + struct.pack(">IIB", unit, unit, 1)
+            self.assertEqual(png[33:54], struct.pack(">I", 9) + piece +
+                             struct.pack(">I", zlib.crc32(piece)))
+
+    def test_svg(self):
+        svg = content("a.svg", "-s", "8.5x6", *CIRCLES).decode()
+        self.assertRegex(svg, r'(?s)^.*?<svg.*?\n width="8.5cm" height="6cm"\n viewBox="0 0 ')
+
+
+class Curves(unittest.TestCase):
+    def test_bands_are_behind_all_curves(self):
+        for name in "a.eps", "a.png":
+            commands = drawn("-o", name, *PLOTS["band"]).commands
+            series = re.search(r"plot ((?:.*\\\n)*.*)", commands)[1].split("\\\n")
+            kinds = ["filledcurves" in line for line in series]
+            self.assertEqual(kinds, sorted(kinds, reverse=True))
+            self.assertEqual(sum(kinds), 4)
+        self.assertIn("fillcolor rgb '#808080'", commands)
+
+    def test_colors(self):
+        for grey, color in ((), "170,0,0"), (("-g",), "112,112,112"):
+            svg = content("a.svg", *grey, *ONE_PLOT).decode().replace(" ", "")
+            found = {color for color in re.findall(r"rgb\((.*?)\)", svg) if color != "0,0,0"}
+            self.assertEqual(found, {color})
+
+    def test_widths(self):
+        """On paper, whatever the factors of gnuplot's terminals."""
+        pdf = content("a.pdf", *ONE_PLOT)
+        widths = set()
+        for stream in re.findall(rb"stream\r?\n(.*?)endstream", pdf, re.S):
+            try:
+                text = zlib.decompressobj().decompress(stream)
+            except zlib.error:
+                continue
+            widths |= {round(float(value), 2) for value in re.findall(rb"(\S+) w\b", text)}
+        self.assertEqual(widths, {0.35, 0.5, 0.8})
+
+    def test_factors(self):
+        commands = drawn("-o", "a.pdf", "--lw", "2", "--elw", "3", "--psf", "4", "--smserrbars",
+                         "--style_sms", "3", "--ptype_sms", "8", "--data", "sms,tsms,smss",
+                         "--curves", "1-1", CCL4).commands
+        for text in ("with lines lw 1.6", "errorbars pt 0 lw 1.5",
+                     "with linespoints pt 8 ps 4 lw 0.7"):
+            self.assertIn(text, commands)
+
+    def test_thin_lines(self):
+        """In a PNG a line of very many rows keeps those that can be seen; circles stay."""
+        rows = [(f"{k / 1000:.3f}", "0.5", f"{k * 7919 % 1000 / 1000:.3f}") for k in range(5000)]
+        rows[2500] = ("2.500", "0.5", "9")
+        def block(name, kind):
+            commands = drawn("-o", name, "-s", "8.5x6", "--dpi", "100", "--no-autoshifts",
+                             "--data", "sms,tsms", "--curves", "1-1", "a.out",
+                             files={"a.out": figures.table(rows)}).commands
+            return re.search(rf"\${kind}_1_1 << EOD\n(.*?)EOD", commands, re.S)[1].splitlines()
+        thin, whole = block("a.png", "tsms"), block("a.pdf", "tsms")
+        self.assertEqual(len(whole), 5000)
+        self.assertLess(len(thin), 1300)
+        self.assertEqual(sorted(thin, key=whole.index), thin)
+        self.assertIn("2.500000 9.000000", thin)
+        self.assertEqual(len(block("a.png", "sms")), 5000)
+
+    def test_degenerate_ranges(self):
+        flat = [("2.0", "1.0", "1.0"), ("3.0", "1.0", "1.0")]
+        for rows in flat, flat[:1], [("2.0", "nan", "1.0"), ("3.0", "1.0", "2.0")]:
+            self.assertIn("a.pdf", drawn("-o", "a.pdf", "--ytics", "--no-autoshifts", "--data",
+                                         "sms,tsms", "--curves", "1-1", "a.out",
+                                         files={"a.out": figures.table(rows)}).files)
+        for rows in [("2.0", "inf", "1.0"), flat[1]], [("2.0", "nan", "nan")], \
+                [("2.0", "1e300", "1.0"), flat[1]]:
+            run = figures.figure("-o", "a.pdf", "--data", "sms,tsms", "--no-autoshifts", "--curves",
+                                 "1-1", "a.out", files={"a.out": figures.table(rows)})
+            self.assertRegex(run.stderr, "^gravlex-figure: the (values|axis) of y .*\n$")
+            self.assertEqual((run.status, run.files), (1, {}))
+
+
+if __name__ == "__main__":
+    unittest.main()
