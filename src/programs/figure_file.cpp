@@ -2,7 +2,7 @@
 //
 // From gnuplot's picture to the content of the file: whether it is whole, and what gnuplot does
 // not write into it.
-#include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -49,7 +49,8 @@ static std::string four_bytes(std::uint32_t number) {
 // Behind the signature and the header, which have 8 and 25 bytes, stands how many pixels a metre
 // has: a text processor shows the picture at its size.
 static void add_resolution(std::string* png) {
-    const std::string pixels = four_bytes(static_cast<std::uint32_t>(Look.dpi / 0.0254 + 0.5));
+    const std::string pixels =
+        four_bytes(static_cast<std::uint32_t>(std::lround(Look.dpi / 0.0254)));
     const std::string piece = "pHYs" + pixels + pixels + '\1';
     png->insert(33, four_bytes(9) + piece + four_bytes(checksum(piece)));
 }

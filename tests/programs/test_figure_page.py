@@ -28,7 +28,7 @@ class Browser:
         (read, self.to), (self.source, write) = os.pipe(), os.pipe()
         self.process = subprocess.Popen(
             ["bash", "-c", f'exec "$@" 3<&{read} 4>&{write}', "bash", *BROWSER,
-             f"--user-data-dir={folder}/browser"], pass_fds=(read, write),
+             f"--user-data-dir={folder}/browser", "about:blank"], pass_fds=(read, write),
             stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=running.environment(folder))
         os.close(read)
         os.close(write)
