@@ -31,10 +31,6 @@ bool is_format(const char* ending) {
     return std::strcmp(Look.format->ending, ending) == 0;
 }
 
-double points_of(double cm) {
-    return std::floor(cm / 2.54 * 72 + 0.5);
-}
-
 // ---- The command line --------------------------------------------------------------------------
 
 namespace {
@@ -197,10 +193,9 @@ static std::string entry_text(int c, int j) {
 
 // An axis needs two ends, in this order, that the numbers on it can tell from each other.
 static void widen(const char* axis, double* low, double* high) {
-    if (!std::isfinite(*low) || !std::isfinite(*high) || std::fabs(*low) > 1e15 ||
-        std::fabs(*high) > 1e15)
+    const double size = std::fabs(*low) + std::fabs(*high);
+    if (!(size < 1e15))
         fail(stderr, "the values of %s are no numbers that can be drawn\n", axis);
-    const double size = std::max(std::fabs(*low), std::fabs(*high));
     if (*high < *low)
         fail(stderr, "the axis of %s cannot run from %g to %g\n", axis, *low, *high);
     if (*high - *low > 1e-6 * size && *high - *low > 1e-5)

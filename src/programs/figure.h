@@ -37,9 +37,6 @@ extern look_t Look;
 
 bool is_format(const char* ending);
 
-// Whole points, as page sizes are.
-double points_of(double cm);
-
 // ---- Where things are (figure_layout.cpp) ------------------------------------------------------
 
 // A line of the legend.

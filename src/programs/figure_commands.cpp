@@ -38,14 +38,14 @@ static double point_size(const page_t& page) {
     return is(".svg") ? CIRCLE / svg_unit(page) : 1.0;
 }
 
-static void write_cairo_terminal(const page_t& page) {
-    const double width = page.columns * page.panel_width;
-    const double height = page.rows * page.panel_height;
+static void write_cairo_terminal() {
+    // A quarter of a point more than whole points: gnuplot cuts the size to these.
+    const double width = std::floor(Look.width / 2.54 * 72 + 0.5) + 0.25;
+    const double height = std::floor(Look.height / 2.54 * 72 + 0.5) + 0.25;
     std::fprintf(f, "set terminal %scairo enhanced color font 'Arial,%g' ",
                  Look.format->ending + 1, Look.letters);
-    // A quarter of a point more: gnuplot cuts the size to whole points.
     std::fprintf(f, "fontscale 0.75 linewidth %d pointscale %.6f size %.4fin,%.4fin\n",
-                 is(".pdf") ? 2 : 4, RADIUS / 3, (width + 0.25) / 72, (height + 0.25) / 72);
+                 is(".pdf") ? 2 : 4, RADIUS / 3, width / 72, height / 72);
 }
 
 static void write_png_terminal() {
@@ -75,7 +75,7 @@ static void write_svg_terminal(const page_t& page, int panel) {
 
 static void write_terminal(const page_t& page, int panel) {
     if (is(".pdf") || is(".eps"))
-        write_cairo_terminal(page);
+        write_cairo_terminal();
     else if (is(".png"))
         write_png_terminal();
     else

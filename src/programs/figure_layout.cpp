@@ -44,6 +44,9 @@ static constexpr double BETWEEN = 0.9;  // two columns of the legend
 static constexpr double LEAST_WIDTH = 6.0, LEAST_HEIGHT = 3.0;
 static constexpr double LEAST_PANEL_WIDTH = 4.0, LEAST_PANEL_HEIGHT = 3.0;
 
+// In points: what fits to this is not looked at again, or the search for a size might not end.
+static constexpr double ROUNDING = 1e-6;
+
 // ---- Texts -------------------------------------------------------------------------------------
 
 // Widths of ' ' to '~' in Arial, and in what stands in for it, in thousandths of an em.
@@ -159,7 +162,7 @@ static size_2d_t place_legend(panel_t* panel, double panel_width) {
     double width = 0.0;
     for (const entry_t& entry : panel->entries)
         width = std::max(width, (SAMPLE + text_width(entry.text) + BETWEEN) * em);
-    const double room = panel_width - 0.4 * em;
+    const double room = panel_width - 0.4 * em + ROUNDING;
     if (room < width)
         return {width + 0.4 * em, 0.0};
     const double count = static_cast<double>(panel->entries.size());
@@ -228,7 +231,7 @@ static size_2d_t place_frame(panel_t* panel, const page_t& page) {
         least_width = std::max(least_width, least_height / ratio);
         least_height = least_width * ratio;
     }
-    if (width < least_width || height < least_height)
+    if (width < least_width - ROUNDING || height < least_height - ROUNDING)
         return {panel->left + panel->right + least_width,
                 panel->top + panel->bottom + least_height};
     panel->x0 = panel->left + (room_width - width) / 2;
@@ -270,8 +273,8 @@ static size_2d_t place_panels(page_t* page, margins_t* margins) {
 
 // For a page of that size, in cm. Returns which size is needed, nothing if it is this.
 static size_2d_t try_size(page_t* page, const size_2d_t& size) {
-    page->panel_width = points_of(size.width) / page->columns;
-    page->panel_height = points_of(size.height) / page->rows;
+    page->panel_width = size.width / 2.54 * 72 / page->columns;
+    page->panel_height = size.height / 2.54 * 72 / page->rows;
     size_2d_t needed = {};
     if (page->panels.size() > 1 && (size.width < LEAST_PANEL_WIDTH * page->columns ||
                                     size.height < LEAST_PANEL_HEIGHT * page->rows))
@@ -284,22 +287,15 @@ static size_2d_t try_size(page_t* page, const size_2d_t& size) {
 }
 
 static double tenths_up(double least, double value) {
-    return value <= least ? least : std::ceil(10 * value - 1e-9) / 10;
+    return value <= least ? least : std::ceil(10 * value) / 10;
 }
 
 void lay_out(page_t* page) {
     const size_2d_t asked = {Look.width, Look.height};
-    size_2d_t size = asked;
-    while (true) {
-        const size_2d_t needed = try_size(page, size);
-        if (needed.width == 0.0)
-            break;
-        // What is wider or higher may need other margins, so that one look is not enough.
-        const size_2d_t before = size;
+    size_2d_t size = asked, needed;
+    // What is wider or higher may need other margins, so that one look is not enough.
+    while ((needed = try_size(page, size)).width != 0.0)
         size = {tenths_up(size.width, needed.width), tenths_up(size.height, needed.height)};
-        if (size.width == before.width && size.height == before.height)
-            size = {size.width + 0.1, size.height + 0.1};
-    }
     if (size.width > asked.width || size.height > asked.height)
         fail(stderr, "%gx%g cm is too small for this figure: it needs %gx%g cm\n", asked.width,
              asked.height, size.width, size.height);

@@ -21,10 +21,13 @@ PLOTS = {
     "band": ("--smserrfill", "--dsmslerrfill", "--data", "sms,tsms,dsms,smss", "--legend",
              "--curves", "1-1,2-1", CCL4),
     "ratio": ("--ratio", "0.5", "--data", "sms,tsms", "--curves", "1-1", CCL4),
+    "ratio of units": ("--ratio=-2", "--ytics", "--no-autoshifts", "--data", "sms,tsms",
+                       "--curves", "1-1", CCL4),
+    "flat": ("--ratio", "0.02", *CIRCLES),
     "panels": ("--legend", "--ytics", "-c", "1-1,2-1", "-d", "sms,tsms", CCL4),
 }
 SIZES = (("6x4", 8), ("8.5x6", 8), ("30x20", 8), ("25x15", 18))
-TOO_SMALL = {("names", "6x4"), ("panels", "6x4")}
+TOO_SMALL = {("names", "6x4"), ("panels", "6x4")} | {("flat", size) for size, _ in SIZES}
 
 
 def trimmed(word, points):
@@ -66,12 +69,13 @@ class Places(unittest.TestCase):
 
     def test_what_is_too_small_says_which_size_would_do(self):
         for name, size in sorted(TOO_SMALL):
-            with self.subTest(name):
-                run = figures.figure("-o", "a.pdf", "-s", size, *PLOTS[name])
+            with self.subTest(name, size=size):
+                points = dict(SIZES)[size]
+                run = figures.figure("-o", "a.pdf", "-s", size, "-p", str(points), *PLOTS[name])
                 said = re.fullmatch(rf"gravlex-figure: {size} cm is too small for this figure: "
                                     r"it needs ([\d.]+x[\d.]+) cm\n", run.stderr)
                 self.assertEqual((run.status, run.files), (1, {}))
-                self.check(PLOTS[name], said[1], 8)
+                self.check(PLOTS[name], said[1], points)
 
     def test_panels_have_a_least_size(self):
         """Letters of any size fit, but nothing could be seen."""
@@ -99,11 +103,12 @@ class Letters(unittest.TestCase):
         self.assertEqual(eps.count(b"/FontType 42"), 2)
 
     def test_names_are_literal(self):
-        text = "it's {/:Bold x}_1^2 & <b> \"q\" \\n $x @a %s `id` λÅ"
+        text = "it's {/:Bold x}_1^2 & <b> \"q\" \\n $x @a %s `id` λÅ—"
         pdf = content("a.pdf", "-s", "30x11", "-n", f"1-1={text}", *ONE_PLOT)
         shown = " ".join(figures.tool("pdftotext", "-raw", "-", "-", given=pdf).split())
         self.assertIn(f"Exp.sM(s) ({text})", shown)
         self.assertIn("Exp.sM(s) (2-1)", shown)
+        self.assertIn("(𝄞)", content("a.svg", "-n", "1-1=𝄞", *ONE_PLOT).decode())
 
     def test_numbers_of_y(self):
         """Where they mean something."""
