@@ -64,6 +64,15 @@ class Places(unittest.TestCase):
                     with self.subTest(name, size=size):
                         self.check(arguments, size, points)
 
+    def test_ratio(self):
+        commands = drawn("-o", "a.png", "-s", "8x6", *PLOTS["ratio"]).commands
+        [(left, top, right, bottom)] = figures.frames(commands, 8, 6)
+        self.assertAlmostEqual((bottom - top) / (right - left), 0.5, delta=0.001)
+
+    def test_long_label(self):
+        """That of five kinds is longer than the page is high."""
+        self.check(PLOTS["many labels"], "6x4", 11)
+
     def test_long_numbers_at_the_ends(self):
         self.check(("--xmin", "-1000", "--xmax", "1000", *ONE_PLOT), "8.5x6", 8)
 
