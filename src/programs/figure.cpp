@@ -120,12 +120,12 @@ static bool read_name() {
     return true;
 }
 
-static bool handle_option(int code) {
+static bool handle_own_option(int code) {
     return code == OPT_SIZE ? read_size() : read_name();
 }
 
 static const program_t Program = {"gravlex-figure", "[options...] inputfile", Options,
-                                  handle_option, Refused};
+                                  handle_own_option, Refused};
 
 static void find_format() {
     if (Output == nullptr)
