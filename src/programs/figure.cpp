@@ -167,13 +167,7 @@ static void require_drawable(const char* inpFname) {
     require_equal_columns(inpFname);
     for (const set_name_t& name : Look.names)
         require_set(name.Nd, name.Nc);
-    for (int j = 1; j < NcolsToPlot; j++) {
-        if (PlotColType[j] == P_GINT_R)
-            fail(stderr, "R-values cannot be drawn: choose kinds with --dread or --data\n");
-        const deviation_t deviation = deviation_of(PlotColType[j]);
-        if (deviation != DEV_NONE && deviation != DEV_HIDDEN && ColErrIdx[j] == 0)
-            fail(stderr, "no standard deviations in %s, or not among the kinds: smss\n", inpFname);
-    }
+    require_series(inpFname);
 }
 
 // ---- Pages -------------------------------------------------------------------------------------
@@ -269,8 +263,6 @@ static void make_figure(int argc, char** argv) {
     require_drawable(inpFname);
     NamedBlocks = 1;
     std::vector<page_t> pages = make_pages();
-    if (pages.empty())
-        fail(stderr, "nothing of the chosen kinds is in %s\n", inpFname);
     for (page_t& page : pages)
         lay_out(&page);
     const char* slash = std::strrchr(inpFname, '/');

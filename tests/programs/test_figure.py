@@ -46,9 +46,9 @@ REFUSED = (
     (("-o", "a.pdf", "-n", "9-9=x", CCL4),
      r"no data set 9-9 in .*ccl4.out \(table 1 has 1-1, 2-1, 3-1\)"),
     (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),
-    (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4), "no standard deviations in .*smss"),
+    (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4), "no deviations to show in .*: read smss as well"),
     (("-o", "a.pdf", running.EXAMPLES / "r_values.out"), "R-values cannot be drawn: .*"),
-    (("-o", "a.pdf", "--smserrfill", "-d", "smss", CCL4), "nothing of the chosen kinds is in .*"),
+    (("-o", "a.pdf", "--smserrfill", "-d", "smss", CCL4), "nothing to draw in table 1 of .*"),
     (("-o", "a.pdf", "empty"), "empty is no output of KOVA: there is no table in it"),
     (("-o", "no/a.pdf", *CIRCLES), "cannot write no/a.pdf: No such file or directory"),
 )
