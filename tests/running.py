@@ -28,6 +28,8 @@ TIME_LIMIT = 120  # seconds; a run takes milliseconds, but not under a checker o
 SKIPPED = 77  # the exit status of a test that cannot be made here
 # What comes in from outside: where programs are, and settings of the tools that watch them.
 KEPT = re.compile(r"PATH|(ASAN|UBSAN|LSAN)_OPTIONS|GCOV_PREFIX(_STRIP)?|LLVM_PROFILE_FILE")
+# What a build that counts coverage says when it cannot write its counts.
+COVERAGE = re.compile(rb"(?m)^(libgcov )?profiling.*\n")
 # Starts a program as a user who may do nothing.
 AS_NOBODY = ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups") \
     if os.getuid() == 0 else ()
@@ -99,7 +101,7 @@ def run_to_the_end(command, env, meanwhile=None, **more):
                 with contextlib.suppress(ProcessLookupError):
                     os.killpg(process.pid, signal.SIGKILL)
     notes = recorded(pathlib.Path(env["RECORD"])) if "RECORD" in env else {}
-    return Result(process.returncode, out or b"", err or b"", notes, left)
+    return Result(process.returncode, out or b"", COVERAGE.sub(b"", err or b""), notes, left)
 
 
 def put(path, content):

@@ -269,6 +269,7 @@ class Script(ProgramTest):
     def limit_files():
         resource.setrlimit(resource.RLIMIT_FSIZE, (9000, 9000))
 
+    @unittest.skipIf("GRAVLEX_COUNTED" in os.environ, "the counts would be cut off, too")
     def test_full_disk(self):
         (self.work / "gravlex.gp").write_text("mine")
         self.assertRegex(self.complaint("-f", *ONE_PLOT, preexec_fn=self.limit_files),

@@ -82,7 +82,8 @@ __attribute__((format(printf, 1, 0))) static void blame(const char* format, va_l
     char text[8192];
     std::vsnprintf(text, sizeof text, format, args);
     std::size_t length = std::strlen(text);
-    while (length > 0 && std::strchr(" \n", text[length - 1]) != nullptr)
+    // No message is empty.
+    while (length > 0 && std::strchr(" \n", text[length - 1]) != nullptr)  // GCOV_EXCL_BR_LINE
         text[--length] = '\0';
     std::fprintf(stderr, "%s: %s\n", ProgramName, text);
 }
