@@ -19,6 +19,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import threading
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 EXAMPLES = ROOT / "examples"
@@ -33,6 +34,9 @@ COVERAGE = re.compile(rb"(?m)^(libgcov )?profiling.*\n")
 # Starts a program as a user who may do nothing.
 AS_NOBODY = ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups") \
     if os.getuid() == 0 else ()
+# A program that is still open for writing cannot be started, and one that another thread forks has
+# it open for a moment: a shell would take the next gnuplot of the path.
+STARTING = threading.Lock()
 # What gnuplot leaves behind that takes the second copy of the data of an image for commands.
 PIPE_LINE = "Unable to close GnuPlot pipe.\n"
 
@@ -69,9 +73,10 @@ def environment(home, **more):
 
 
 def start(command, **more):
-    return subprocess.Popen(command, **{"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE,
-                                        "stderr": subprocess.PIPE, "start_new_session": True,
-                                        **more})
+    with STARTING:
+        return subprocess.Popen(command, **{
+            "stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE,
+            "start_new_session": True, **more})
 
 
 def recorded(folder):
@@ -107,7 +112,8 @@ def run_to_the_end(command, env, meanwhile=None, **more):
 def put(path, content):
     """Writes a file; what begins like a script becomes a program."""
     path.parent.mkdir(exist_ok=True)
-    path.write_bytes(content.encode() if isinstance(content, str) else content)
+    with STARTING:
+        path.write_bytes(content.encode() if isinstance(content, str) else content)
     if path.read_bytes().startswith(b"#!"):
         path.chmod(0o755)
 
