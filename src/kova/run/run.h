@@ -37,14 +37,11 @@ constexpr int MAX_COLS = 17;
 constexpr unsigned P_GINT_EVERY = (1U << MAX_COLS) - 1;
 
 // How a kind is drawn. 0 marks the abscissa kinds, which are never drawn as a series.
-constexpr int ST_LINES = 1;
-constexpr int ST_POINTS = 2;
-constexpr int ST_LPOINTS = 3;
-constexpr int ST_SPECIAL = 4;
+constexpr int ST_LINES = 1, ST_POINTS = 2, ST_LPOINTS = 3, ST_SPECIAL = 4;
 
 struct data_type_t {
     int type;              // P_GINT_* flag
-    char name[100];        // long name, for the console
+    char name[100];        // for the console
     char name_short[30];   // legend, and y label on screen
     char name_eps[100];    // y label in an image, as gnuplot enhanced text
     char style_color[20];  // gnuplot colour
@@ -70,50 +67,38 @@ constexpr bool is_in(int kind, unsigned mask) {
 // ---- Settings (options.cpp, command_line.cpp) --------------------------------------------------
 // Written by parse_command_line only; their initial values are the defaults of the options.
 
-constexpr int IMG_PNG = 1;
-constexpr int IMG_EPS = 2;
-constexpr int IMG_SVG = 3;
+constexpr int IMG_PNG = 1, IMG_EPS = 2, IMG_SVG = 3;
 
-extern char* ImgFname;          // name of the image, null when none is asked for
+extern char* ImgFname;          // null when no image is asked for
 extern int MakeImage;           // IMG_*, 0 for no image
 extern int wx, wy;              // size of the image in pixels
-extern int PlotGrid;            // flag
-extern int PlotLegend;          // flag
-extern int PlotXtics;           // flag
-extern int PlotYtics;           // flag
-extern int PlotX2tics;          // flag
-extern int PlotY2tics;          // flag
 extern double PlotRatio;        // height to width, 0 leaves it to gnuplot
-extern int UserTerminal;        // flag: UserTerminalName is to be set
 extern char* UserTerminalName;  // gnuplot terminal, with its options
-extern int PlotBglPlus1;        // flag: 1 is added to the backgrounds when they are read
-extern int MultiPlot;           // flag: one page for all plots
-extern int AutoShifts;          // flag: stack the curves of the first plot
 extern double ShiftMult;        // factor of all shifts, 0 stands for 1
-extern double LineWidthFactor;
-extern double ErrLineWidthFactor;
-extern double PointSizeFactor;
+extern double LineWidthFactor, ErrLineWidthFactor, PointSizeFactor;
 extern double smsStdevFactor;   // factor of the sM(s) deviations when they are read
 extern double ErrFillAlpha;     // opacity of deviation bands, 0 to 1
 extern double Gxmin, Gxmax;     // x range in 1/Angstrom, GX_NOT_GIVEN leaves an end to the data
 extern int TableN;              // which table of the file, from 1
 extern unsigned DataToRead;     // mask of the kinds to read
 extern unsigned DataToCombine;  // mask of the kinds drawn in one plot, 0 for none
-
 constexpr double GX_NOT_GIVEN = -1e100;
+
+// Flags.
+extern int PlotGrid, PlotLegend, PlotXtics, PlotYtics, PlotX2tics, PlotY2tics;
+extern int UserTerminal;  // UserTerminalName is to be set
+extern int PlotBglPlus1;  // 1 is added to the backgrounds when they are read
+extern int MultiPlot;     // one page for all plots
+extern int AutoShifts;    // stack the curves of the first plot
 
 // Pair lists: set numbers and curve numbers at equal indices. A count of 0 is no list.
 extern int NparToRead, *ParToReadNum1, *ParToReadNum2;
 extern int NparToCombine, *ParToCombineNum1, *ParToCombineNum2;
 
-// How the sM(s) deviations are shown (flags).
-extern int smsErrBars;    // bars on experimental sM(s)
-extern int dsmsErrBars;   // bars on delta sM(s)
-extern int smsErrFill;    // band around experimental sM(s)
-extern int dsmsErrFill;   // band around delta sM(s)
-extern int dsmslErrFill;  // band around the zero line of delta sM(s)
+// Flags: bars or a band on experimental or delta sM(s), a band around the latter's zero line.
+extern int smsErrBars, dsmsErrBars, smsErrFill, dsmsErrFill, dsmslErrFill;
 
-// True if any of the five is on: the deviation column is then no series of its own.
+// True if any of these is on: the deviation column is then no series of its own.
 bool deviations_shown();
 
 // Reads the command line into the settings and returns the name of the input file, which is the
@@ -124,8 +109,7 @@ const char* parse_command_line(int argc, char** argv);
 // Prints the settings on standard output.
 void echo_settings();
 
-// Kinds that lists named by their own words, for a program that wants to know; written by
-// parse_data_string.
+// Kinds that lists named by their own words; written by parse_data_string.
 extern unsigned KindsNamed;
 
 // The parts of the command line, for a further program with options of its own: popt's table of
@@ -154,19 +138,17 @@ int parse_data_string(const char* str, unsigned int* Data);
 
 // Parses a comma-separated list of N-M items into a count and two new arrays, the caller's.
 // 0; 1 for an empty string, which touches nothing; 2 for a bad item, or with errno ENOMEM without
-// memory, with the items before it kept.
-// Arrays that the outputs pointed to before are not released.
+// memory, with the items before it kept. What the outputs pointed to before is not released.
 int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** ParNum2);
 
-// Parses one N-M item, decimal, octal (0...) or hexadecimal (0x...). 0, or 1 after
-// "Incorrect indication of intensity set: '%s'\n" on standard output with the outputs untouched.
+// Parses one N-M item. 0, or 1 after "Incorrect indication of intensity set: '%s'\n" on standard
+// output with the outputs untouched.
 int parse_int_curve(const char* str, int* ParNum1, int* ParNum2);
 
 // 1 if the whole string is one integer, decimal, octal (0...) or hexadecimal (0x...), else 0.
-// White space and a sign may stand before it.
+// White space and a sign may stand before it. Its value: the low 32 of its 64 bits, which stop at
+// their limits.
 int if_integer(const char* str);
-
-// The value of such a string: the low 32 bits of its 64, which stop at their limits.
 int integer_value(const char* str);
 
 // 1 if the string is white space only or nothing, else 0.
