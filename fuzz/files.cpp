@@ -27,10 +27,6 @@
 int gravlex_main(int argc, char** argv);  // main() of the program
 
 extern "C" {
-std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t max_size);
-std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t max_size,
-                                    unsigned seed);
-
 FILE* __wrap_popen(const char* command, const char* mode);
 int __wrap_pclose(FILE* stream);
 FILE* __wrap_tmpfile();
@@ -124,21 +120,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     release_settings();
     reset_state();
     return 0;
-}
-
-// ---- The inputs --------------------------------------------------------------------------------
-
-std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t max_size,
-                                    unsigned seed) {
-    if (seed % 4 == 0)
-        return LLVMFuzzerMutate(data, size, max_size);
-    random_t random = {seed};
-    std::string input(reinterpret_cast<const char*>(data), size);
-    if (seed % 64 == 1 || size < 100)
-        input = grow_input(&random);
-    else
-        damage_input(&random, &input);
-    const std::size_t result = std::min(input.size(), max_size);
-    std::memcpy(data, input.data(), result);
-    return result;
 }

@@ -3,6 +3,7 @@
 // The reference reads the settings, option by option, and the program gets what came of it.
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 #include "common/start.h"
 #include "files.h"
@@ -20,10 +21,6 @@ static const std::vector<std::string> WordsWithArgument = {
     "--ratio",    "--shiftmult", "--lw",       "--elw",       "--psf",       "--smsef", "--efa",
     "--xmin",     "--xmax",      "--imgw",     "--imgl",      "--table",     "--term",  "--dread",
     "--dcombine", "--cread",     "--ccombine", "--style_sms", "--ptype_sms", "--fill"};
-
-std::vector<std::string> settings_words(bool with_argument) {
-    return with_argument ? WordsWithArgument : Flags;
-}
 
 static bool has(const std::vector<std::string>& words, const std::string& word) {
     return std::find(words.begin(), words.end(), word) != words.end();

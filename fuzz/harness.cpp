@@ -87,7 +87,8 @@ int take_below(bytes_t* bytes, int limit) {
     return take_byte(bytes) % limit;
 }
 
-double take_double(bytes_t* bytes) {
+// All 64 bits: anything.
+static double take_double(bytes_t* bytes) {
     std::uint64_t bits = 0;
     for (int i = 0; i < 8; i++)
         bits = bits << 8 | take_byte(bytes);

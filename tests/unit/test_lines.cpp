@@ -73,18 +73,6 @@ TEST_F(Lines, a_nul_byte_hides_the_rest_of_its_line) {
               (pieces_t{{"one", false}, {"three\n", false}, {"", true}}));
 }
 
-TEST_F(Lines, of_large_files_are_all_there) {
-    std::string text;
-    pieces_t pieces;
-    for (int i = 0; i < 20000; i++) {
-        const std::string line(static_cast<std::size_t>(i) % 97, 'a');
-        pieces.push_back({line + "\n", false});
-        text += line + "\n";
-    }
-    pieces.push_back({"", true});
-    EXPECT_TRUE(pieces_of(text) == pieces);
-}
-
 // However the file is read, the places where one read ends and the next begins do not show.
 TEST_F(Lines, may_end_anywhere_in_a_large_file) {
     for (const std::size_t size : {65534U, 65535U, 65536U, 65537U, 131072U, 131073U}) {

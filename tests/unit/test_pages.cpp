@@ -42,23 +42,7 @@ static std::string image_commands(int format, int number) {
     return sent([number] { write_image_commands(number); });
 }
 
-TEST_F(Pages, an_image_is_a_terminal_a_file_and_a_replot) {
-    const std::string rest = "set output \"out file\"\nreplot\n";
-    EXPECT_EQ(image_commands(IMG_PNG, 0), "set term pngcairo size 640,480\n" + rest);
-    EXPECT_EQ(image_commands(IMG_EPS, 0),
-              "set terminal postscript eps enhanced color solid clip\n" + rest);
-    EXPECT_EQ(image_commands(IMG_SVG, 0),
-              "set terminal svg size 640,480 dynamic enhanced\n" + rest);
-}
-
 TEST_F(Pages, an_unknown_format_is_drawn_as_png) {
     EXPECT_EQ(image_commands(4, 0),
               "set term pngcairo size 640,480\nset output \"out file\"\nreplot\n");
-}
-
-TEST_F(Pages, numbered_images_have_their_number_in_front) {
-    EXPECT_EQ(image_commands(IMG_PNG, 1),
-              "set term pngcairo size 640,480\nset output \"1_out file\"\nreplot\n");
-    EXPECT_EQ(image_commands(IMG_PNG, 12),
-              "set term pngcairo size 640,480\nset output \"12_out file\"\nreplot\n");
 }

@@ -8,6 +8,7 @@
 #include "common/scan.h"
 #include "plain/plain.h"
 #include "random.h"
+#include "run/run.h"
 #include "state.h"
 
 using Reference = Fresh;
@@ -58,7 +59,7 @@ TEST_F(Reference, reads_all_short_rows_like_scanf) {
     extend(extend, 0);
 }
 
-TEST_F(Reference, reads_these_integers_so) {
+TEST_F(Reference, reads_these_integers_as_we_do) {
     // clang-format off
     const struct {
         const char* text;
@@ -69,12 +70,16 @@ TEST_F(Reference, reads_these_integers_so) {
         {"-9223372036854775808", 1, 0}, {"-99999999999999999999", 1, 0},
         {"0xfffffffffffffffffffff", 1, -1}, {"", 0, 5}, {" ", 0, 5}, {"-", 0, 5}, {"0x", 0, 5},
         {"08", 0, 5}, {"0b1", 0, 5}, {"0B11", 0, 5}, {"0o7", 0, 5}, {"1 ", 0, 5}, {"- 1", 0, 5},
-        {"1.0", 0, 5}, {"a", 0, 5},
+        {"1.0", 0, 5}, {"a", 0, 5}, {"+5", 1, 5}, {"\n7", 1, 7}, {"-0xfffffffff", 1, 1},
+        {"-9223372036854775807", 1, 1}, {"-9223372036854775809", 1, 0}, {"0x-1", 0, 5},
+        {"1e3", 0, 5}, {"+-5", 0, 5}, {"5-", 0, 5},
     };
     // clang-format on
     for (const auto& t : texts) {
         int value = 5;
         EXPECT_EQ(plain::if_integer(t.text, &value), t.is_integer) << t.text;
         EXPECT_EQ(value, t.value) << t.text;
+        EXPECT_EQ(if_integer(t.text), t.is_integer) << t.text;
+        EXPECT_EQ(t.is_integer ? integer_value(t.text) : 5, t.value) << t.text;
     }
 }

@@ -123,32 +123,6 @@ TEST_F(Selection, the_arrays_of_an_earlier_list_are_let_go) {
 
 // ---- Tests of strings --------------------------------------------------------------------------
 
-TEST_F(Selection, if_integer_wants_the_whole_string) {
-    for (const char* text : {"0", "7", "-5", "+5", "  7", "\n7", "010", "0x1F", "0XaB", "-0x10",
-                             "99999999999999999999"})
-        EXPECT_EQ(if_integer(text), 1) << text;
-    for (const char* text : {"", " ", "-", "7 ", "08", "0x", "0x-1", "0b1", "0B1", "0o7", "1.5",
-                             "1e3", "a", "- 5", "+-5", "5-"})
-        EXPECT_EQ(if_integer(text), 0) << text;
-}
-
-TEST_F(Selection, integers_keep_their_low_32_bits) {
-    EXPECT_EQ(integer_value("17"), 17);
-    EXPECT_EQ(integer_value("-0x11"), -17);
-    EXPECT_EQ(integer_value("021"), 17);
-    EXPECT_EQ(integer_value("4294967313"), 17);
-    EXPECT_EQ(integer_value("-0xfffffffff"), 1);
-}
-
-TEST_F(Selection, integers_stop_at_the_limits_of_64_bits) {
-    for (const char* text : {"9223372036854775807", "9223372036854775808", "0xfffffffffffffffff"})
-        EXPECT_EQ(integer_value(text), -1) << text;
-    for (const char* text :
-         {"-9223372036854775808", "-9223372036854775809", "-99999999999999999999"})
-        EXPECT_EQ(integer_value(text), 0) << text;
-    EXPECT_EQ(integer_value("-9223372036854775807"), 1);
-}
-
 TEST_F(Selection, is_empty_takes_all_white_space_of_c) {
     for (const char* text : {"", "   ", "\t\n", " \t\n\v\f\r", "\r\n"})
         EXPECT_EQ(is_empty(text), 1) << text;
