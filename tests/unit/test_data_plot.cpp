@@ -53,22 +53,6 @@ TEST_F(DataPlot, starts_with_nothing_chosen_and_nothing_shifted) {
     EXPECT_EQ(f, nullptr);
 }
 
-TEST_F(DataPlot, each_plot_is_settings_command_and_data) {
-    make_four_plots();
-    AutoShifts = 0;
-    MultiPlot = 0;
-    CurCurvesGroupToPlot = 1;
-    CurDataGroupToPlot = 1;
-    const std::string settings = sent([] {
-        write_settings({1, 1}, plot_ranges({1, 1}, 0.0, 2.0));
-    });
-    const std::string command = sent([] { write_plot_command({1, 1}); });
-    const std::string data = sent([] { write_data_blocks({1, 1}); });
-    EXPECT_EQ(plotted(1).stream, settings + command + data);
-    EXPECT_EQ(plotted(0).stream, data);
-    EXPECT_EQ(data, "0.000000 0.000000\n1.000000 10.000000\n2.000000 0.000000\ne\n");
-}
-
 TEST_F(DataPlot, a_negative_page_flag_draws_nothing) {
     make_four_plots();
     MultiPlot = -1;

@@ -27,16 +27,6 @@ TEST_F(Kinds, flags_have_their_values) {
     EXPECT_EQ(P_GINT_WORD_ALL, 0x19effU);
 }
 
-TEST_F(Kinds, styles_and_image_formats_have_their_values) {
-    EXPECT_EQ(ST_LINES, 1);
-    EXPECT_EQ(ST_POINTS, 2);
-    EXPECT_EQ(ST_LPOINTS, 3);
-    EXPECT_EQ(ST_SPECIAL, 4);
-    EXPECT_EQ(IMG_PNG, 1);
-    EXPECT_EQ(IMG_EPS, 2);
-    EXPECT_EQ(IMG_SVG, 3);
-}
-
 TEST_F(Kinds, d_idx_follows_the_rows_not_the_bits) {
     EXPECT_EQ(d_idx(0x100), 0);
     EXPECT_EQ(d_idx(0x20), 2);
@@ -50,11 +40,4 @@ TEST_F(Kinds, d_idx_ends_the_run_at_anything_but_one_known_flag) {
     for (const int t : {0x3, 0x20000, 0, -1, 0x1ffff, 0x101, 1 << 30})
         EXPECT_TRUE(ended_with(in_child([t] { d_idx(t); }), 1,
                                "Unknown data type: " + std::to_string(t) + "\n", ""));
-}
-
-TEST_F(Kinds, is_in_looks_for_a_shared_bit) {
-    EXPECT_TRUE(is_in(P_GINT_BGL, 0x3));
-    EXPECT_FALSE(is_in(P_GINT_SMS, 0x3));
-    EXPECT_FALSE(is_in(P_GINT_SMS, 0));
-    EXPECT_TRUE(is_in(P_GINT_DINT, P_GINT_EVERY));
 }

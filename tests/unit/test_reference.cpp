@@ -7,7 +7,6 @@
 
 #include "common/scan.h"
 #include "plain/plain.h"
-#include "random.h"
 #include "run/run.h"
 #include "state.h"
 
@@ -21,21 +20,6 @@ static void expect_as_scanned(const std::string& line) {
     for (int i = 0; i < count; i++)
         ASSERT_EQ(std::memcmp(&numbers[i], &expected[i], sizeof(double)), 0)
             << '"' << line << "\", number " << i;
-}
-
-TEST_F(Reference, reads_random_rows_like_scanf) {
-    if (!scan_has_the_rule())
-        GTEST_SKIP() << "this release of the C library reads other numbers";
-    const std::string letters = "0011..--++eExXpPiInNfFaAtTyY()  \t9b,";
-    random_t random(1);
-    for (int i = 0; i < 300000; i++) {
-        std::string line;
-        for (int length = random.below(16); length > 0; length--)
-            line += letters[random.next() % letters.size()];
-        expect_as_scanned(line);
-        if (HasFatalFailure())
-            return;
-    }
 }
 
 // Every text of a few letters from the parts of numbers.
