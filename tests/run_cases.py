@@ -71,11 +71,12 @@ def check(path, options):
 
 
 def chosen(names):
-    """The files of all topics, or of the TOPIC and TOPIC/NAME arguments."""
+    """The files of all topics, or of the TOPIC and TOPIC/NAME arguments, which may be paths."""
     cases = [path for path in sorted(CASES.glob("*/*")) if path.is_file()]
     some = []
     for name in names:
-        of_name = [path for path in cases if CASES / name in (path, path.parent)]
+        wanted = {CASES / name, pathlib.Path(name).resolve()}
+        of_name = [path for path in cases if wanted & {path, path.parent}]
         if not of_name:
             sys.exit(f"no case: {name}")
         some += of_name
@@ -106,10 +107,11 @@ def main():
         cases = [case for case in cases if "\n== run\n" not in case.read_text()]
     failed = 0
     for case, lines in zip(cases, running.side_by_side(lambda case: check(case, options), cases)):
-        failed += bool(lines)
+        failed += bool(lines) and not options.accept
         if lines or options.verbose:
-            print(f"{'FAIL' if lines else 'ok  '} {case.relative_to(CASES)}", *lines, sep="\n")
-        if lines and options.first_failure:
+            word = "ok" if not lines else "WROTE" if options.accept else "FAIL"
+            print(f"{word:5} {case.relative_to(CASES)}", *lines, sep="\n")
+        if failed and options.first_failure:
             sys.exit(1)
     print(f"{len(cases) - failed} passed, {failed} failed")
     sys.exit(failed > 0)
