@@ -46,6 +46,7 @@ def standin_of(program):
 
 
 STANDIN = standin_of(PROGRAM)
+PRELOAD = PROGRAM.parent / "tests" / "faults" / "libfaults_preload.so"
 
 
 @dataclasses.dataclass

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 // A tic mark at "scale 1" and the depth of the numbers are those of gnuplot's cairo and svg
 // terminals.
@@ -176,13 +175,13 @@ static bool is_named(const set_name_t& name, int c) {
     return name.Nd == CurveNd[c] && name.Nc == CurveNc[c];
 }
 
-static std::string entry_text(int c, int j) {
+static entry_t entry_of(int c, int j) {
     std::string set = std::to_string(CurveNd[c]) + "-" + std::to_string(CurveNc[c]);
     for (const set_name_t& name : Look.names) {
         if (is_named(name, c))
             set = name.text;
     }
-    return Type[d_idx(PlotColType[j])].name_short + (" (" + set + ")");
+    return {c, j, Type[d_idx(PlotColType[j])].name_short + (" (" + set + ")"), 0.0, 0.0};
 }
 
 // An axis needs two ends, in this order, that the numbers on it can tell from each other.
@@ -208,8 +207,8 @@ static panel_t panel_of(plot_t plot) {
     if (!PlotLegend && !is_format(".html"))
         return panel;
     for_each_column(plot, [&](int c, int j) {
-        if (deviation_of(PlotColType[j]) != DEV_HIDDEN && column_points(c, j) > 0)
-            panel.entries.push_back({c, j, entry_text(c, j), 0.0, 0.0});
+        if (deviation_of(PlotColType[j]) != DEV_HIDDEN)
+            panel.entries.push_back(entry_of(c, j));
     });
     return panel;
 }
@@ -255,7 +254,7 @@ static void write_pages(const std::vector<page_t>& pages, const char* title) {
     keep_files();
 }
 
-static void make_figure(int argc, char** argv) {
+int main(int argc, char** argv) {
     const char* inpFname = only_input(start_program(argc, argv, Program));
     find_format();
     check_numbers();
@@ -267,13 +266,5 @@ static void make_figure(int argc, char** argv) {
         lay_out(&page);
     const char* slash = std::strrchr(inpFname, '/');
     write_pages(pages, slash == nullptr ? inpFname : slash + 1);
-}
-
-int main(int argc, char** argv) {
-    try {
-        make_figure(argc, argv);
-    } catch (const std::bad_alloc&) {
-        fail(stderr, "Cannot allocate memory\n");
-    }
     return EXIT_SUCCESS;
 }

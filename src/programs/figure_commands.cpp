@@ -88,7 +88,7 @@ static void write_terminal(const page_t& page, int panel) {
 template <class visitor_t>
 static void for_each_curve(plot_t plot, visitor_t visit) {
     for_each_series(plot, [&](int c, int j) {
-        if (deviation_of(PlotColType[j]) != DEV_HIDDEN && column_points(c, j) > 0)
+        if (deviation_of(PlotColType[j]) != DEV_HIDDEN)
             visit(c, j);
     });
 }

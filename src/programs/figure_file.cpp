@@ -4,7 +4,7 @@
 // not write into it.
 #include <cmath>
 #include <cstdint>
-#include <cstring>
+#include <string_view>
 
 #include "figure.h"
 
@@ -19,9 +19,8 @@ static std::string content_of(FILE* file) {
 
 // gnuplot says nothing and ends with status 0 when the disk of its picture is full.
 static void require_whole(const std::string& picture) {
-    const std::string end = Look.format->end;
-    const std::size_t last = picture.find_last_not_of(" \n");
-    if (last == std::string::npos || picture.rfind(end, last) + end.size() != last + 1)
+    const std::size_t size = picture.find_last_not_of(" \n") + 1;
+    if (!std::string_view(picture.data(), size).ends_with(Look.format->end))
         fail(stderr,
              "gnuplot did not finish the picture: the disk of temporary files may be full\n");
 }
@@ -63,7 +62,7 @@ static void set_svg_size(std::string* svg) {
     const std::size_t end = svg->find("\n", begin);
     char size[100];
     std::snprintf(size, sizeof size, "width=\"%gcm\" height=\"%gcm\"", Look.width, Look.height);
-    if (begin != std::string::npos && end != std::string::npos)
+    if (end != std::string::npos)
         svg->replace(begin, end - begin, size);
 }
 

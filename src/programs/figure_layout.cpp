@@ -66,7 +66,7 @@ static constexpr double OTHER = 1.1;  // no letter of Latin, Greek, Cyrillic or 
 static double text_width(const std::string& text) {
     double width = 0.0;
     for (const char c : text) {
-        if (' ' <= c && c <= '~')
+        if ((c & 0x80) == 0)  // no control character: is_text has looked
             width += Widths[c - ' '] / 1000.0;
         else if ((c & 0xc0) != 0x80)  // the first byte of a character
             width += OTHER;

@@ -3,6 +3,7 @@
 // The page for a browser. gnuplot gives each picture the script that zooms it and shows where the
 // pointer is; a click on a name in the legend hides the curve, and here also what belongs to it.
 #include <cstring>
+#include <string_view>
 
 #include "figure.h"
 
@@ -50,14 +51,13 @@ static std::string escaped(const char* text) {
     return result;
 }
 
-// The pictures without what stands around them in files of their own.
+// The pictures without what stands around them in files of their own. The last one is whole.
 static std::string inline_pictures(const std::string& pictures) {
-    static const std::string BEGIN = "<svg", END = "</svg>";
+    static constexpr std::string_view BEGIN = "<svg", END = "</svg>";
     std::string result;
-    std::size_t from = 0, to;
-    while ((from = pictures.find(BEGIN, from)) != std::string::npos &&
-           (to = pictures.find(END, from)) != std::string::npos) {
-        to += END.size();
+    std::size_t from = 0;
+    while ((from = pictures.find(BEGIN, from)) != std::string::npos) {
+        const std::size_t to = pictures.find(END, from) + END.size();
         result += pictures.substr(from, to - from) + "\n";
         from = to;
     }

@@ -6,7 +6,6 @@
 #include <cctype>
 #include <climits>
 #include <cstring>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -141,15 +140,15 @@ static std::vector<unsigned> joined_numbers() {
 // ---- Writing -----------------------------------------------------------------------------------
 
 // The numbers of a row as they stand there. The row was read: there are as many as columns.
-static void split_row(const char* text, std::string (&numbers)[MAX_NUMBERS]) {
-    int count = 0;
-    while (count < MAX_NUMBERS) {
+static std::vector<std::string> split_row(const char* text) {
+    std::vector<std::string> numbers;
+    while (true) {
         while (std::isspace(static_cast<unsigned char>(*text)))
             text++;
         const char* end = *text == '\0' ? nullptr : after_number(text);
         if (end == nullptr)
-            break;
-        numbers[count++].assign(text, end);
+            return numbers;
+        numbers.emplace_back(text, end);
         text = end;
     }
 }
@@ -157,11 +156,11 @@ static void split_row(const char* text, std::string (&numbers)[MAX_NUMBERS]) {
 // Each number ends below the end of its label.
 static std::string in_columns(const copied_set_t& copy, const std::string& row,
                               const std::vector<int>& kinds) {
-    std::string numbers[MAX_NUMBERS], line;
-    split_row(row.c_str(), numbers);
+    const std::vector<std::string> numbers = split_row(row.c_str());
+    std::string line;
     for (const int kind : kinds) {
-        const std::string& number =
-            numbers[copy.columns.PlotTypePos[column_of(copy.columns, kind)]];
+        const int place = copy.columns.PlotTypePos[column_of(copy.columns, kind)];
+        const std::string& number = numbers[static_cast<std::size_t>(place)];
         const std::size_t width = std::strlen(column_label(kind));
         line.append(number.size() < width ? width - number.size() : 1, ' ').append(number);
     }
@@ -184,8 +183,7 @@ static void arrange_rows(copied_set_t* copy, const std::vector<int>& kinds) {
 static std::string plain_name(const char* name) {
     std::string plain(name, strnlen(name, 200));
     for (char& c : plain) {
-        if (std::isspace(static_cast<unsigned char>(c)) ||
-            std::iscntrl(static_cast<unsigned char>(c)))
+        if (c == ' ' || std::iscntrl(static_cast<unsigned char>(c)))
             c = '_';
     }
     return plain;
@@ -229,12 +227,7 @@ static const poptOption Options[] = {
 };
 // clang-format on
 
-static void end_without_memory() {
-    fail(stderr, "Cannot allocate memory\n");
-}
-
 int main(int argc, char** argv) {
-    std::set_new_handler(end_without_memory);
     const program_t program = {"gravlex-join", "[options...] inputfile...", Options, nullptr,
                                ChangingOptions};
     char** names = start_program(argc, argv, program);

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "program.h"
 
@@ -85,10 +86,7 @@ static const char* base_name(const char* name) {
 }
 
 static char* copy_of(const char* text) {
-    char* copy = strdup(text);
-    if (copy == nullptr)
-        fail(stderr, "Cannot allocate memory\n");
-    return copy;
+    return std::strcpy(resized<char>(nullptr, std::strlen(text) + 1), text);
 }
 
 // The name without the links that lead to it: they stay when the file is replaced.
@@ -97,8 +95,9 @@ static char* final_name(const char* name, bool overwrite) {
     if (lstat(name, &status) != 0)
         return copy_of(name);
     char* resolved = realpath(name, nullptr);
-    if (resolved == nullptr || stat(resolved, &status) != 0)
+    if (resolved == nullptr)
         fail_to_write(name, errno);
+    lstat(resolved, &status);
     if (!S_ISREG(status.st_mode))
         fail(stderr, "%s is no file that can be replaced\n", name);
     if (!overwrite)
@@ -113,36 +112,12 @@ static FILE* open_beside(const char* name, char** temporary) {
     *temporary = resized<char>(nullptr, room);
     std::snprintf(*temporary, room, "%.*s.gravlex-XXXXXX", folder, name);
     const int descriptor = mkostemp(*temporary, O_CLOEXEC);
-    if (descriptor == -1) {
-        const int error = errno;
-        std::free(*temporary);
-        *temporary = nullptr;
-        fail_to_write(name, error);
-    }
+    if (descriptor == -1)
+        fail_to_write(name, errno);
     const mode_t mask = umask(0);
     umask(mask);
     fchmod(descriptor, 0666 & ~mask);
     return fdopen(descriptor, "w+");
-}
-
-FILE* new_file(const char* name, bool overwrite) {
-    if (Nfiles == 0)
-        prepare_end();
-    new_file_t added = {stdout, nullptr, nullptr, overwrite};
-    block_signals(SIG_BLOCK);
-    if (std::strcmp(name, "-") != 0) {
-        added.name = final_name(name, overwrite);
-        added.file = open_beside(added.name, &added.temporary);
-        if (added.file == nullptr) {
-            unlink(added.temporary);
-            fail_to_write(name, ENOMEM);
-        }
-    }
-    Files = resized(Files, static_cast<std::size_t>(Nfiles) + 1);
-    Files[Nfiles] = added;
-    Nfiles = Nfiles + 1;
-    block_signals(SIG_UNBLOCK);
-    return added.file;
 }
 
 // Standard output is looked at when the run ends.
@@ -152,23 +127,40 @@ static void close_file(new_file_t* file) {
         fail_to_write(file->name, errno);
 }
 
+FILE* new_file(const char* name, bool overwrite) {
+    if (Nfiles == 0)
+        prepare_end();
+    else
+        close_file(&Files[Nfiles - 1]);
+    block_signals(SIG_BLOCK);
+    Files = resized(Files, static_cast<std::size_t>(Nfiles) + 1);
+    new_file_t* added = &Files[Nfiles];
+    *added = {stdout, nullptr, nullptr, overwrite};
+    if (std::strcmp(name, "-") != 0) {
+        added->name = final_name(name, overwrite);
+        added->file = open_beside(added->name, &added->temporary);
+    }
+    Nfiles = Nfiles + 1;
+    block_signals(SIG_UNBLOCK);
+    if (added->file == nullptr)       // GCOV_EXCL_BR_LINE no memory: faults/memory
+        fail_to_write(name, ENOMEM);  // GCOV_EXCL_LINE
+    return added->file;
+}
+
 // Gives the file its name, unless somebody else has taken it meanwhile.
 static void name_file(new_file_t* file) {
     if (file->name == nullptr)
         return;
     const unsigned flags = file->replaces ? 0 : RENAME_NOREPLACE;
-    if (renameat2(AT_FDCWD, file->temporary, AT_FDCWD, file->name, flags) != 0) {
-        // Not every file system can look and rename in one step.
-        const bool can_both = errno != EINVAL && errno != ENOSYS;
-        if (can_both || rename(file->temporary, file->name) != 0)
-            fail_to_write(file->name, errno);
-    }
+    // Not every file system can look and rename in one step.
+    if (renameat2(AT_FDCWD, file->temporary, AT_FDCWD, file->name, flags) != 0 &&
+        (errno == EEXIST || rename(file->temporary, file->name) != 0))
+        fail_to_write(file->name, errno);
     file->temporary = nullptr;
 }
 
 void keep_files() {
-    for (int i = 0; i < Nfiles; i++)
-        close_file(&Files[i]);
+    close_file(&Files[Nfiles - 1]);
     block_signals(SIG_BLOCK);
     for (int i = 0; i < Nfiles; i++)
         name_file(&Files[i]);
@@ -196,6 +188,9 @@ char* numbered_name(const char* name, int number) {
 
 // ---- gnuplot -----------------------------------------------------------------------------------
 
+// How a shell ends, too, that does not find what it is to start.
+static constexpr int NO_GNUPLOT = 127;
+
 // In the child: gnuplot reads the commands as a file, which it does in blocks, and no settings of
 // the user's; without a UTF-8 locale it complains about the encoding.
 [[noreturn]] static void become_gnuplot(int commands, int picture, int messages) {
@@ -203,10 +198,11 @@ char* numbered_name(const char* name, int number) {
     std::snprintf(name, sizeof name, "/dev/fd/%d", commands);
     setenv("LC_ALL", "C.UTF-8", 1);
     setenv("GNUTERM", "unknown", 1);  // every picture has a terminal of its own
-    if (dup2(picture, STDOUT_FILENO) != -1 && dup2(messages, STDERR_FILENO) != -1 &&
-        fcntl(commands, F_SETFD, 0) != -1)
-        execlp("gnuplot", "gnuplot", "-d", name, static_cast<char*>(nullptr));
-    _exit(errno == ENOENT ? 127 : 126);
+    dup2(picture, STDOUT_FILENO);
+    dup2(messages, STDERR_FILENO);
+    fcntl(commands, F_SETFD, 0);
+    execlp("gnuplot", "gnuplot", "-d", name, static_cast<char*>(nullptr));
+    _exit(NO_GNUPLOT);
 }
 
 static int run_gnuplot(FILE* commands, FILE* picture, FILE* messages) {
@@ -217,46 +213,53 @@ static int run_gnuplot(FILE* commands, FILE* picture, FILE* messages) {
         become_gnuplot(fileno(commands), fileno(picture), fileno(messages));
     }
     block_signals(SIG_UNBLOCK);
+    // GCOV_EXCL_START no process to be had
     if (Gnuplot == -1)
         fail(stderr, "cannot start gnuplot: %s\n", std::strerror(errno));
+    // GCOV_EXCL_STOP
     int status = 0;
-    while (waitpid(Gnuplot, &status, 0) == -1 && errno == EINTR)
-        continue;
+    waitpid(Gnuplot, &status, 0);
     Gnuplot = 0;
     return status;
 }
 
-// The first line of gnuplot's that is no picture of the command it is about.
-static void read_complaint(FILE* messages, char* line, int room) {
+// What gnuplot gave up for is its last line: the command that is wrong stands before it, and in it
+// the place in a file that nobody sees:
+//
+//     "/dev/fd/5" line 2: unknown or ambiguous terminal type
+//
+// Empty if it said nothing.
+static std::string read_complaint(FILE* messages) {
+    char line[1000];
+    std::string last;
     rewind(messages);
-    *line = '\0';
-    while (std::fgets(line, room, messages) != nullptr) {
-        line[std::strcspn(line, "\n")] = '\0';
-        if (line[std::strspn(line, " ^\t")] != '\0' && std::strncmp(line, "gnuplot>", 8) != 0)
-            return;
+    while (std::fgets(line, sizeof line, messages) != nullptr) {
+        if (line[std::strspn(line, " \n")] != '\0')
+            last = line;
     }
-    *line = '\0';
+    const std::size_t place = last.find("\" line ");
+    return place == std::string::npos ? last : last.substr(last.find(": ", place) + 2);
 }
 
-static void refuse_status(int status, FILE* messages) {
-    char line[1000];
-    read_complaint(messages, line, sizeof line);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 127 && *line == '\0')
+[[noreturn]] static void refuse_status(int status, FILE* messages) {
+    const std::string complaint = read_complaint(messages);
+    if (!complaint.empty())
+        fail(stderr, "gnuplot says: %s\n", complaint.c_str());
+    if (WEXITSTATUS(status) == NO_GNUPLOT)
         fail(stderr, "gnuplot not found: install it, or put it on the search path\n");
-    if (*line != '\0')
-        fail(stderr, "gnuplot says: %s\n", line);
     fail(stderr, "gnuplot ended without a picture\n");
 }
 
 void draw(FILE* commands, FILE* picture) {
-    if (std::fflush(commands) != 0 || std::ferror(commands))
+    std::fflush(commands);
+    if (std::ferror(commands))
         fail(stderr, "cannot write a temporary file: %s\n", std::strerror(errno));
     lseek(fileno(commands), 0, SEEK_SET);
     FILE* messages = scratch_file();
     const int status = run_gnuplot(commands, picture, messages);
     struct stat drawn = {};
     fstat(fileno(picture), &drawn);
-    if (status != 0 || (S_ISREG(drawn.st_mode) && drawn.st_size == 0))
+    if (status != 0 || drawn.st_size == 0)
         refuse_status(status, messages);
     std::fclose(messages);
 }

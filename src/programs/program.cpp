@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "input/input.h"
 
@@ -48,7 +49,7 @@ static void print_kinds(char* to, std::size_t room, unsigned mask) {
     *to = '\0';
     for (const data_type_t& kind : Type) {
         const char* word = is_in(kind.type, mask) ? kind_word(kind.type) : nullptr;
-        if (word != nullptr && length < room)
+        if (word != nullptr)
             length += static_cast<std::size_t>(
                 std::snprintf(to + length, room - length, "%s%s", length > 0 ? ", " : "", word));
     }
@@ -69,8 +70,7 @@ static void require_named_kinds() {
 }
 
 static void meet_header() {
-    if (InputName != nullptr)
-        require_named_kinds();
+    require_named_kinds();
     set_t* header = Nsets > 0 ? &Sets[Nsets - 1] : &FirstHeader;
     header->NcolsToPlot = NcolsToPlot;
     std::memcpy(header->PlotColType, PlotColType, sizeof PlotColType);
@@ -109,10 +109,10 @@ static int refused_place(const char* name) {
 static const poptOption* program_table() {
     static poptOption table[100];
     poptOption* to = table;
-    for (const poptOption* own = Program->options; own->longName || own->shortName; own++)
+    for (const poptOption* own = Program->options; own->longName != nullptr; own++)
         *to++ = *own;
     const poptOption* from = optionsTable;
-    for (; from->longName || from->shortName || from->arg; from++) {
+    for (; from->longName != nullptr || from->arg != nullptr; from++) {
         *to = *from;
         const int place = refused_place(from->longName);
         if (place != -1) {
@@ -143,7 +143,14 @@ static bool handle_program_option(int code) {
 
 // ---- The input ---------------------------------------------------------------------------------
 
+// GCOV_EXCL_START faults/memory
+static void end_without_memory() {
+    fail(stderr, "Cannot allocate memory\n");
+}
+// GCOV_EXCL_STOP
+
 char** start_program(int argc, char** argv, const program_t& program) {
+    std::set_new_handler(end_without_memory);
     ProgramName = program.name;
     Program = &program;
     prepare_process();
@@ -156,7 +163,7 @@ const char* only_input(char** names) {
     return names[0];
 }
 
-void read_tables(const char* inpFname) {
+static void read_tables() {
     MetTable = meet_table;
     MetSet = meet_set;
     MetHeader = meet_header;
@@ -165,10 +172,10 @@ void read_tables(const char* inpFname) {
     Ntables = Nsets = HeadersMet = SetsEnded = 0;
     release_curves();
     MetWrongRow = meet_wrong_row;
-    if (detect_int_table_version(inpFname) == 2)
-        parse_kova_int_tables_ver2(inpFname);
+    if (detect_int_table_version(InputName) == 2)
+        parse_kova_int_tables_ver2(InputName);
     else
-        parse_kova_int_tables_ver1(inpFname);
+        parse_kova_int_tables_ver1(InputName);
     ProgramName = OwnName;
     // Each set that was read, in the order of the file.
     ReadSets = resized(ReadSets, static_cast<std::size_t>(Ncurves));
@@ -247,7 +254,7 @@ static void require_deviations() {
 
 void read_input(const char* inpFname) {
     InputName = inpFname;
-    read_tables(inpFname);
+    read_tables();
     require_table();
     require_sets();
     link_deviations();
@@ -277,11 +284,15 @@ ranges_t ranges_of(plot_t plot) {
     return plot_ranges(plot, xMin, xMax);
 }
 
+void shift_first(plot_t plot) {
+    if (AutoShifts && !AutoShiftsReady)
+        calc_shifts(plot);
+}
+
 bool has_series(plot_t plot) {
     bool found = false;
-    for_each_series(plot, [&](int c, int j) {
-        found = found || (deviation_of(PlotColType[j]) != DEV_HIDDEN && column_points(c, j) > 0);
-    });
+    for_each_series(
+        plot, [&](int, int j) { found = found || deviation_of(PlotColType[j]) != DEV_HIDDEN; });
     return found;
 }
 

@@ -54,9 +54,6 @@ const set_t& own_columns(int c);
 // ends in the middle of a set.
 void read_input(const char* inpFname);
 
-// The same without the sentences about what is not there: for a program that lists it.
-void read_tables(const char* inpFname);
-
 // Ends the run with a sentence if the table has no such set. After read_input.
 void require_set(int Nd, int Nc);
 
@@ -66,15 +63,17 @@ void require_equal_columns(const char* inpFname);
 
 // ---- The plots ---------------------------------------------------------------------------------
 
+// Computes the shifts if that is the first plot.
+void shift_first(plot_t plot);
+
 // Visits every plot of the page, or, without one, every plot in turn, in the order of gravlex: g
-// major. Computes the shifts of the first one before.
+// major.
 template <class visitor_t>
 void for_each_plot(visitor_t visit) {
     for (int g = 1; g <= CurveGroupsToPlot; g++) {
         for (int h = 1; h <= ColGroupsToPlot; h++) {
             const plot_t plot = {g, h};
-            if (AutoShifts && !AutoShiftsReady)
-                calc_shifts(plot);
+            shift_first(plot);
             visit(plot);
         }
     }
@@ -92,12 +91,13 @@ bool has_series(plot_t plot);
 
 // ---- Files that are written --------------------------------------------------------------------
 
-// Opens a file beside the one of this name, to be written and read. The name is refused, with a
-// sentence, if there is something already that may not be replaced. "-" is standard output.
+// Opens a file beside the one of this name, to be written, and closes the one before. The name is
+// refused, with a sentence, if there is something already that may not be replaced. "-" is
+// standard output.
 FILE* new_file(const char* name, bool overwrite);
 
-// Closes all new files and gives them their names. A file that could not be written ends the run
-// with a sentence; whatever ends the run before leaves none of them.
+// Gives all new files their names. A file that could not be written ends the run with a sentence;
+// whatever ends the run before leaves none of them.
 void keep_files();
 
 // A file that nobody sees.
@@ -109,8 +109,8 @@ char* numbered_name(const char* name, int number);
 // ---- gnuplot -----------------------------------------------------------------------------------
 
 // Lets gnuplot draw the commands of the file, from its beginning, onto its standard output, which
-// goes to the picture. A gnuplot that is missing, fails or draws nothing ends the run with a
-// sentence that has its own words.
+// goes to the picture, a file. A gnuplot that is missing, fails or draws nothing ends the run with
+// a sentence that has its own words.
 void draw(FILE* commands, FILE* picture);
 
 // Writes a file name as a string of gnuplot that no byte of it can end, and that gnuplot takes for

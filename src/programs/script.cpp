@@ -4,6 +4,7 @@
 // to the pixel, and is plain ASCII as long as the terminal's name is.
 #include <popt.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 
@@ -21,16 +22,19 @@ static const poptOption OwnOptions[] = {
 
 static const refused_option_t Refused[] = {{nullptr, nullptr}};
 
-static const program_t Script = {"gravlex-script", "[options...] inputfile", OwnOptions,
-                                 [](int) { return true; }, Refused};
+static const program_t Script = {"gravlex-script", "[options...] inputfile", OwnOptions, nullptr,
+                                 Refused};
 
 static const char* InputName = nullptr;
-static const char* Terminal =
-    nullptr;  // that --term names; the core would repeat it in each panel
+static const char* Terminal = nullptr;  // of --term; the core would repeat it in each panel
 static int ArgCount = 0;
 static char** Arguments = nullptr;
 
 // ---- The comment -------------------------------------------------------------------------------
+
+static bool is_odd(char c) {
+    return !std::isprint(static_cast<unsigned char>(c)) || c == '\'' || c == '\\';
+}
 
 // Writes a word as a shell reads it, in plain letters: a comment ends at the first newline.
 static void write_word(const char* word) {
@@ -42,12 +46,10 @@ static void write_word(const char* word) {
     }
     bool odd = false;
     for (const char* c = word; *c != '\0'; c++)
-        odd = odd || *c < ' ' || *c > '~' || *c == '\'' || *c == '\\';
+        odd = odd || is_odd(*c);
     std::fprintf(f, odd ? "$'" : "'");
-    for (const char* c = word; *c != '\0'; c++) {
-        const bool escaped = odd && (*c < ' ' || *c > '~' || *c == '\'' || *c == '\\');
-        std::fprintf(f, escaped ? "\\%03o" : "%c", static_cast<unsigned char>(*c));
-    }
+    for (const char* c = word; *c != '\0'; c++)
+        std::fprintf(f, is_odd(*c) ? "\\%03o" : "%c", static_cast<unsigned char>(*c));
     std::fprintf(f, "'");
 }
 

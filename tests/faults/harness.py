@@ -8,7 +8,7 @@ import sys
 sys.path.append(f"{sys.path[0]}/..")
 import running
 
-PRELOAD = running.PROGRAM.parent / "tests" / "faults" / "libfaults_preload.so"
+PRELOAD = running.PRELOAD
 LABELS = ("       S      |", "   Exp. sM(s)  |", "   Thr. sM(s)  |", "  Delta sM(s)  |",
           "  sM(s) St.dev |")
 RULE = "-" * 79

@@ -7,6 +7,7 @@
 //     FAULTS_READ=SIZE    a read gives at most so many bytes; -SIZE one byte more each time
 //     FAULTS_FILES=LIMIT  so many descriptors are allowed (the dynamic linker needs more)
 //     FAULTS_GROW=FILE    a piece of FILE is appended to what is read, before each read
+//     FAULTS_RENAME=1     no file can be renamed on condition that its new name is free
 //     FAULTS_OPTION=CODE  popt comes with this code first
 //     FAULTS_NOTE=FILE    is told the library that asked for each allocation that failed
 //
@@ -131,6 +132,16 @@ void* aligned_alloc(size_t alignment, size_t size) {
 
 int posix_memalign(void** block, size_t alignment, size_t size) {
     return is_refused(CALLER) ? ENOMEM : NEXT(posix_memalign, block, alignment, size);
+}
+
+// ---- Files -------------------------------------------------------------------------------------
+
+int renameat2(int old_folder, const char* old_name, int folder, const char* name, unsigned flags) {
+    if (getenv("FAULTS_RENAME") != NULL) {
+        errno = EINVAL;
+        return -1;
+    }
+    return NEXT(renameat2, old_folder, old_name, folder, name, flags);
 }
 
 // ---- popt --------------------------------------------------------------------------------------

@@ -7,13 +7,16 @@ import unittest
 
 import figures
 import running
-from figures import BENZENE, CCL4, CIRCLES, FIGURE, GNUPLOT, ONE_PLOT, drawn, figure
+from figures import BENZENE, CCL4, CIRCLES, FIGURE, GNUPLOT, ONE_PLOT, content, drawn, figure
 
 running.require("gnuplot")
 
 ENDS = {"a.pdf": (b"%PDF-", b"%%EOF\n"), "a.eps": (b"%!PS-Adobe-3.0 EPSF-3.0", b"%%EOF\n"),
         "a.svg": (b"<?xml", b"</svg>\n\n"), "a.png": (b"\x89PNG", b"IEND\xae\x42\x60\x82"),
         "a.html": (b"<!DOCTYPE html>", b"</html>\n")}
+LACKS_TERMINALS = f"""#!/bin/sh
+sed 's/^set terminal .*/set terminal other/' "$2" | {GNUPLOT} -d /dev/stdin
+""".encode()
 # An input or option that is refused, and what is said.
 REFUSED = (
     ((CCL4,), r"into which file\? -o FILE.pdf, .*"),
@@ -46,7 +49,8 @@ REFUSED = (
     (("-o", "a.pdf", "-n", "9-9=x", CCL4),
      r"no data set 9-9 in .*ccl4.out \(table 1 has 1-1, 2-1, 3-1\)"),
     (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),
-    (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4), "no deviations to show in .*: read smss as well"),
+    (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4),
+     "no deviations to show in .*: read smss as well"),
     (("-o", "a.pdf", running.EXAMPLES / "r_values.out"), "R-values cannot be drawn: .*"),
     (("-o", "a.pdf", "--smserrfill", "-d", "smss", CCL4), "nothing to draw in table 1 of .*"),
     (("-o", "a.pdf", "empty"), "empty is no output of KOVA: there is no table in it"),
@@ -118,22 +122,40 @@ class Failures(unittest.TestCase):
         for gnuplot, said in (
                 (None, "gnuplot not found: install it, or put it on the search path"),
                 (b"#!/bin/sh\necho trouble >&2\nexit 1\n", "gnuplot says: trouble"),
+                (LACKS_TERMINALS, "gnuplot says: unknown or ambiguous terminal type.*"),
                 (b"#!/bin/sh\nexit 0\n", "gnuplot ended without a picture"),
+                (b"#!/bin/sh\nkill -9 $$\n", "gnuplot ended without a picture"),
                 (f"#!/bin/sh\n{GNUPLOT} \"$@\" | head -c 9999\n".encode(),
                  "gnuplot did not finish the picture: .*")):
             for name in ENDS:
                 with self.subTest(said, name=name):
                     refused(self, figure("-o", name, *ONE_PLOT, gnuplot=gnuplot), said)
 
+    def test_picture_without_a_size(self):
+        stub = b"#!/bin/sh\necho '<svg></svg>'\n"
+        self.assertEqual(content("a.svg", *ONE_PLOT, gnuplot=stub), b"<svg></svg>\n")
+
+    def test_name_that_is_taken_meanwhile(self):
+        for more, taking, why in ("-g", "touch", "File exists"), ("-f", "mkdir", "Is a directory"):
+            gnuplot = f'#!/bin/sh\n{taking} a.svg\nexec {GNUPLOT} "$@"\n'.encode()
+            run = figure("-o", "a.svg", more, *ONE_PLOT, gnuplot=gnuplot)
+            self.assertEqual(run.stderr, f"gravlex-figure: cannot write a.svg: {why}\n")
+            self.assertNotIn(b"<svg", b"".join(run.files.values()))
+
     def test_full_disk(self):
-        """Of the file, and of temporary ones: blocks of 512 bytes. The counts of a coverage build
-        would be cut off, too, so they go nowhere."""
+        """Of the file, and of temporary ones: blocks of 512 bytes."""
         for blocks in 4, 100:
-            limited = ("sh", "-c", f'ulimit -f {blocks}; exec "$@"', "sh", FIGURE)
-            run = figure("-o", "a.svg", *ONE_PLOT, command=limited,
-                         env={"GCOV_PREFIX": "/dev/null"})
+            limited = ("sh", "-c", f'ulimit -S -f {blocks}; exec "$@"', "sh", FIGURE)
+            run = figure("-o", "a.svg", *ONE_PLOT, command=limited)
             self.assertRegex(run.stderr, "gravlex-figure: .*\n")
             self.assertEqual((run.status, run.files), (1, {}))
+
+    def test_few_descriptors(self):
+        """Whichever file it is that there is none for."""
+        for limit in 4, 5, 6:
+            limited = ("sh", "-c", f'ulimit -S -n {limit}; exec "$@"', "sh", FIGURE)
+            refused(self, figure("-o", "a.svg", *ONE_PLOT, command=limited),
+                    "cannot write a temporary file: Too many open files")
 
     def test_signals(self):
         # A test that a shell has started in the background would pass on that it is ignored.

@@ -98,8 +98,8 @@ class Table(kova.Programs):
 
     def test_names(self):
         """They cannot be taken for anything of the table."""
-        for path in ("GED curves. Set: 5-5 Scale=2 ", f"a\n{'-' * 20}\nb", "./" * 200 + "Scale=9",
-                     "ö" * 120, "-f"):
+        for path in ("GED curves. Set: 5-5 Scale=2 ", f"a\n{'-' * 20}\nb\x1b",
+                     "./" * 200 + "Scale=9", "ö" * 120, "-f"):
             name = path.rpartition("/")[2]
             text = self.run_program(PROGRAM, "--", "a", path, files={"a": ONE, name: ONE})
             kinds = self.run_program("gravlex-table", "--list", "j", files={"j": text})

@@ -14,7 +14,7 @@ import unittest
 import programs
 import running
 from programs import HOSTILE, ProgramTest, table
-from running import PROGRAM, TIME_LIMIT
+from running import PRELOAD, PROGRAM, TIME_LIMIT
 
 ONE_PLOT = ("--data", "sms,tsms", "--curves", "1-1,2-1", "../ccl4.out")
 PAGE = ("--dread", "sms,tsms", "--cread", "1-1,2-1", "../ccl4.out")
@@ -23,6 +23,11 @@ INTENSITIES = ("--table", "2", "--data", "int,bgl,tint", "--ccombine", "1-1",
                "../benzene.out")
 # The head of an EPS image tells when and what for it was made.
 HEAD = re.compile(rb"(?m)^%%(CreationDate|Title).*$|^ */(CreationDate|Title).*$")
+
+
+def limited(kind, limit):
+    """For a process that is about to start."""
+    return lambda: resource.setrlimit(kind, (limit, resource.getrlimit(kind)[1]))
 
 
 class Script(ProgramTest):
@@ -102,12 +107,13 @@ class Script(ProgramTest):
         self.check_screen("--dread", "sms,tsms", "--dcombine", "dsms", *PAGE[2:])
 
     def test_image_of_a_page(self):
-        self.script("--png", "page.png", *PAGE)
+        self.script("--png", "./page.png", *PAGE)
         self.draw()
         size = self.run_program("identify", "-format", "%w %h %k", "page.png")[0].split()
         self.assertEqual(size[:2], [b"1200", b"800"])
         self.assertGreater(int(size[2]), 2)
         self.assertEqual(len(re.findall("(?m)^plot ", self.kept())), 4)
+        self.assertIn('set output "./page.png"', self.kept())
 
     def test_terminal(self):
         """Before the page: gnuplot changes it in none."""
@@ -190,14 +196,15 @@ class Script(ProgramTest):
         self.assertEqual((shown[1], self.files()), ("", ["gravlex.gp"]))
 
     def test_standard_output_with_a_window_each(self):
-        out, _ = self.script("-o", "-", "--no-multiplot", "--term", "qt", *PAGE)
+        out, _ = self.script("-o", "-", "--no-multiplot", *PAGE)
         commands = re.sub(rb"(?m)^(#|\$|[-\d]|EOD).*\n", b"", out)
         shown = re.findall(rb"set terminal '.GPVAL_TERM.' (\d)|^plot ()", commands, re.M)
         self.assertEqual(shown, [(b"%d" % (n // 2 + 1) if n % 2 == 0 else b"", b"")
                                  for n in range(8)])
         self.assertNotIn(b"PNG", out)
-        (self.work / "all.gp").write_bytes(out.replace(b"set terminal qt", b"set term dumb"))
-        self.assertEqual(self.run_program("gnuplot", "all.gp")[0].count(b"s, A"), 4)
+        (self.work / "all.gp").write_bytes(out)
+        drawn = self.run_program("gnuplot", "-e", "set term dumb", "all.gp")[0]
+        self.assertEqual(drawn.count(b"s, A"), 4)
 
     def test_standard_output_with_an_image_each(self):
         out, _ = self.script("-o", "-", "--no-multiplot", "--png", "a.png", *PAGE)
@@ -208,7 +215,7 @@ class Script(ProgramTest):
         for name in HOSTILE:
             with self.subTest(name):
                 (self.work / name).write_text(table("1-1"))
-                arguments = ("-o", f"{name}.gp", f"--png={name}.png", "--", name)
+                arguments = ("-o", f"{name}.gp", f"--png={name}.png", "--term", "", "--", name)
                 self.script(*arguments)
                 self.draw(f"./{name}.gp")
                 self.assertEqual(self.files(), sorted([name, f"{name}.gp", f"{name}.png"]))
@@ -265,15 +272,22 @@ class Script(ProgramTest):
         self.script(*ONE_PLOT, preexec_fn=lambda: os.umask(0o027))
         self.assertEqual((self.work / "gravlex.gp").stat().st_mode & 0o777, 0o640)
 
-    @staticmethod
-    def limit_files():
-        resource.setrlimit(resource.RLIMIT_FSIZE, (9000, 9000))
-
-    @unittest.skipIf("GRAVLEX_COUNTED" in os.environ, "the counts would be cut off, too")
     def test_full_disk(self):
-        (self.work / "gravlex.gp").write_text("mine")
-        self.assertRegex(self.complaint("-f", *ONE_PLOT, preexec_fn=self.limit_files),
-                         r"\Acannot write .*/gravlex.gp: File too large\Z")
+        """In the middle, and with the last byte."""
+        self.script(*ONE_PLOT)
+        for limit in 9000, len(self.kept()) + 2:
+            more = {"preexec_fn": limited(resource.RLIMIT_FSIZE, limit)}
+            self.assertRegex(self.complaint("-f", *ONE_PLOT, **more),
+                             r"\Acannot write .*/gravlex.gp: File too large\Z")
+
+    def test_more_scripts_than_descriptors(self):
+        more = {"preexec_fn": limited(resource.RLIMIT_NOFILE, 8)}
+        self.script("--no-multiplot", "../benzene.out", **more)
+        self.assertEqual(len(self.files()), 12)
+
+    def test_file_system_that_cannot_look_and_rename_at_once(self):
+        self.script(*ONE_PLOT, env={**self.env, "LD_PRELOAD": PRELOAD, "FAULTS_RENAME": "1"})
+        self.assertIn("$sms_1_1", self.kept())
 
     def test_full_output(self):
         with open("/dev/full", "wb") as full:
@@ -303,8 +317,8 @@ class Script(ProgramTest):
     def test_ignored_signals(self):
         (self.home / "in").write_text(table(*(f"{n}-1" for n in range(200))))
         self.run_program("sh", "-c", 'trap "" HUP; "$@" & '
-                         "while ! ls -A | grep -q gravlex-; do :; done; kill -HUP $!; wait $!", "sh", PROGRAM.parent / "gravlex-script",
-                         "--no-multiplot", "../in")
+                         "while ! ls -A | grep -q gravlex-; do :; done; kill -HUP $!; wait $!", "sh",
+                         PROGRAM.parent / "gravlex-script", "--no-multiplot", "../in")
         self.assertEqual(len(self.files()), 400)
 
     # ---- The command line ------------------------------------------------------------------------
@@ -384,6 +398,7 @@ class Script(ProgramTest):
         content = table(("1-1", first), ("2-1", second), ("3-1", first[:1]), ("4-1", first))
         self.check_input(content, "data sets 1-1 and 2-1 of in have different columns: "
                          "choose with --curves")
+        self.assertIn("1-1 and 3-1", self.complaint("--curves", "1-1,3-1", "in"))
         self.assertEqual(self.blocks("--data", "sms", "--curves", "1-1,4-1", "in"),
                          ["$sms_1_1", "$sms_4_1"])
         self.assertEqual(self.blocks("--curves", "2-1", "in"), ["$tsms_2_1", "$sms_2_1"])
@@ -401,6 +416,9 @@ class Script(ProgramTest):
                      "--curves", "1-1", "../ccl4.out")
         self.script(*arguments)
         self.assertEqual(self.files(), ["gravlex-2.gp"])
+        plot = self.script("-o", "-", *arguments)[0].split(b"\nplot ")
+        self.assertEqual(len(plot), 2)
+        self.assertIn(b"set terminal '.GPVAL_TERM.' 2'", plot[0])
 
     def test_layout_1(self):
         """Its table ends where the next one begins, whichever sets are read."""

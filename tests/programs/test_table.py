@@ -49,6 +49,9 @@ class Csv(kova.Programs):
         self.assertEqual(self.run_program(PROGRAM, "a.out", files={"a.out": text}),
                          "set,s,tsms,r,bgl,sms\n1-1,2,1,3,,\n2-1,4,,,5,6\n"
                          "2-1,9,8,,,7\n2-1,1e+300,1e-07,,,-0\n")
+        text = file(table(first, data_set("1-2", "s sms", "4 5"), data_set("2-2", "s r", "6 7")))
+        self.assertEqual(self.run_program(PROGRAM, "-c", "2-2,1-2", "a", files={"a": text}),
+                         "set,s,sms,r\n1-2,4,5,\n2-2,6,,7\n")
 
     def test_odd_numbers(self):
         texts = ("0x1.8p3", "inf", "-Infinity", "nan", "4.9e-324", "0.1", "1e999", "123456789012")
@@ -111,14 +114,18 @@ class Files(kova.Programs):
                 self.assertEqual(found[0][:4], "set,")
 
     def test_full_disk(self):
+        big = file(table(data_set("1-1", "s sms", *["2.123456789 1.123456789"] * 4000)))
+        files = {"a.out": SMALL, "big.out": big}
         with open("/dev/full", "wb") as full:
-            for arguments in (["a.out"], ["--list", "a.out"]):
+            for arguments in (["a.out"], ["--list", "a.out"], ["big.out"]):
                 self.check_refused("Cannot write to standard output: No space left on device",
-                                   PROGRAM, *arguments, files={"a.out": SMALL}, stdout=full)
-        # The counts of a coverage build would be cut off, too, so they go nowhere.
-        self.check_refused("cannot write big.csv: File too large", "/bin/sh", "-c",
-                           'ulimit -f 1; GCOV_PREFIX=/dev/null exec "$@"', "sh", PROGRAM,
-                           "-o", "big.csv", "examples/ccl4.out")
+                                   PROGRAM, *arguments, files=files, stdout=full)
+        limited = ("/bin/sh", "-c", 'ulimit -S -f 1; cat big.out | exec "$@"', "sh", PROGRAM)
+        for sentence, *arguments in (
+                ("cannot write big.csv: File too large", "-o", "big.csv", "big.out"),
+                ("cannot write a temporary file: File too large", "--list", "/dev/stdin")):
+            self.check_refused(sentence, *limited, *arguments, files=files,
+                               env={"PATH": f"{running.PROGRAM.parent}:/usr/bin:/bin"})
 
     def test_reader_that_has_seen_enough(self):
         for option in "-t1", "--list":
