@@ -223,22 +223,26 @@ static int run_gnuplot(FILE* commands, FILE* picture, FILE* messages) {
     return status;
 }
 
-// What gnuplot gave up for is its last line: the command that is wrong stands before it, and in it
-// the place in a file that nobody sees:
+// gnuplot shows the command that is wrong before it says why, and in front of that the place in a
+// file that nobody sees:
 //
 //     "/dev/fd/5" line 2: unknown or ambiguous terminal type
 //
-// Empty if it said nothing.
+// What others have to say, like a loader of libraries, ends with what matters. Empty if there is
+// nothing.
 static std::string read_complaint(FILE* messages) {
     char line[1000];
     std::string last;
     rewind(messages);
     while (std::fgets(line, sizeof line, messages) != nullptr) {
+        const char* place = std::strstr(line, "\" line ");
+        const char* reason = place == nullptr ? nullptr : std::strstr(place, ": ");
+        if (reason != nullptr)
+            return reason + 2;
         if (line[std::strspn(line, " \n")] != '\0')
             last = line;
     }
-    const std::size_t place = last.find("\" line ");
-    return place == std::string::npos ? last : last.substr(last.find(": ", place) + 2);
+    return last;
 }
 
 [[noreturn]] static void refuse_status(int status, FILE* messages) {

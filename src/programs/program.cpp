@@ -15,7 +15,6 @@ set_t* Sets = nullptr;
 bool SeveralInputs = false;
 
 static int Nrooms = 0;           // elements of Sets
-static int HeadersMet = 0;       // of the selected table
 static int SetsEnded = 0;        // sets that were read to their end
 static int* ReadSets = nullptr;  // index in Sets of each set that was read
 static set_t FirstHeader = {};   // layout 1 has one for all sets
@@ -75,7 +74,6 @@ static void meet_header() {
     header->NcolsToPlot = NcolsToPlot;
     std::memcpy(header->PlotColType, PlotColType, sizeof PlotColType);
     std::memcpy(header->PlotTypePos, PlotTypePos, sizeof PlotTypePos);
-    HeadersMet++;
 }
 
 static void meet_set_end() {
@@ -169,7 +167,7 @@ static void read_tables() {
     MetHeader = meet_header;
     MetSetEnd = meet_set_end;
     OwnName = ProgramName;
-    Ntables = Nsets = HeadersMet = SetsEnded = 0;
+    Ntables = Nsets = SetsEnded = 0;
     release_curves();
     MetWrongRow = meet_wrong_row;
     if (detect_int_table_version(InputName) == 2)
