@@ -281,10 +281,9 @@ static void write_title(const panel_t& panel, const place_t& place, int c, int j
     for (const entry_t& entry : panel.entries) {
         if (entry.c != c || entry.j != j)
             continue;
-        std::fprintf(f, "title '");
-        for (const char letter : entry.text)
-            std::fprintf(f, letter == '\'' ? "''" : "%c", letter);
-        std::fprintf(f, "' at screen %.5f, screen %.5f ", screen_x(place, entry.x),
+        std::fprintf(f, "title ");
+        write_text(f, entry.text.c_str());
+        std::fprintf(f, " at screen %.5f, screen %.5f ", screen_x(place, entry.x),
                      screen_y(place, panel.y1 + panel.top - entry.depth));
         return;
     }

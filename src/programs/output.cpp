@@ -200,7 +200,6 @@ static constexpr int NO_GNUPLOT = 127;
     setenv("GNUTERM", "unknown", 1);  // every picture has a terminal of its own
     dup2(picture, STDOUT_FILENO);
     dup2(messages, STDERR_FILENO);
-    fcntl(commands, F_SETFD, 0);
     execlp("gnuplot", "gnuplot", "-d", name, static_cast<char*>(nullptr));
     _exit(NO_GNUPLOT);
 }
@@ -268,14 +267,22 @@ void draw(FILE* commands, FILE* picture) {
     std::fclose(messages);
 }
 
-// Octal digits stand for whatever could mean something to gnuplot; "./" keeps a pipe "|cmd" and an
-// option from being one.
-void write_name(FILE* commands, const char* name) {
-    const bool plain_start = std::strchr("_./", *name) != nullptr || std::isalnum(*name & 0xff);
-    std::fprintf(commands, "\"%s", plain_start ? "" : "./");
-    for (const char* c = name; *c != '\0'; c++) {
-        const bool plain = std::strchr(" _./,=+-", *c) != nullptr || std::isalnum(*c & 0xff);
+// Octal digits stand for whatever could mean something to gnuplot.
+static void write_quoted(FILE* commands, const char* start, const char* text) {
+    std::fprintf(commands, "\"%s", start);
+    for (const char* c = text; *c != '\0'; c++) {
+        const bool plain = std::strchr(" _./,=+-()", *c) != nullptr || std::isalnum(*c & 0xff);
         std::fprintf(commands, plain ? "%c" : "\\%03o", static_cast<unsigned char>(*c));
     }
     std::fprintf(commands, "\"");
+}
+
+void write_text(FILE* commands, const char* text) {
+    write_quoted(commands, "", text);
+}
+
+// "./" keeps a pipe "|cmd" and an option from being one.
+void write_name(FILE* commands, const char* name) {
+    const bool plain_start = std::strchr("_./", *name) != nullptr || std::isalnum(*name & 0xff);
+    write_quoted(commands, plain_start ? "" : "./", name);
 }

@@ -113,6 +113,9 @@ char* numbered_name(const char* name, int number);
 // a sentence that has its own words.
 void draw(FILE* commands, FILE* picture);
 
-// Writes a file name as a string of gnuplot that no byte of it can end, and that gnuplot takes for
-// a file of that name and nothing else.
+// Writes a text as a string of gnuplot that no byte of it can end: between single quotes gnuplot
+// 5.4 ends it behind two of them.
+void write_text(FILE* commands, const char* text);
+
+// The same for a file name, which gnuplot takes for a file of that name and nothing else.
 void write_name(FILE* commands, const char* name);
