@@ -105,7 +105,8 @@ static bool is_text(const char* text) {
 static bool read_name() {
     PlotLegend = 1;
     const char* equals = std::strchr(Name, '=');
-    set_name_t name = {0, 0, equals == nullptr ? "" : equals + 1};
+    set_name_t name = {};
+    name.text = equals == nullptr ? "" : equals + 1;
     const std::string set(Name, equals == nullptr ? 0 : static_cast<std::size_t>(equals - Name));
     if (parse_int_curve(set.c_str(), &name.Nd, &name.Nc) != 0) {
         complain("a name is N-M=TEXT, as in 1-1='500 mm'; not '%s'\n", Name);
@@ -139,21 +140,26 @@ static void find_format() {
         fail(stderr, "%s has none of the endings .pdf, .eps, .svg, .png and .html\n", Output);
 }
 
-static void require_between(const char* option, double value, double least, double most) {
-    if (!(least <= value && value <= most))
-        fail(stderr, "--%s is a number from %g to %g\n", option, least, most);
-}
-
-// gnuplot would take these and draw something else, or nothing.
+// gnuplot would take others and draw something else, or nothing.
 static void check_numbers() {
-    require_between("points", Look.letters, 1, 200);
-    require_between("dpi", Look.dpi, 10, 10000);
-    require_between("lw", LineWidthFactor, 0, 1000);
-    require_between("elw", ErrLineWidthFactor, 0, 1000);
-    require_between("psf", PointSizeFactor, 0, 1000);
-    require_between("efa", ErrFillAlpha, 0, 1);
-    require_between("ratio", PlotRatio, -1e6, 1e6);
-    require_between("style_sms", Type[d_idx(P_GINT_SMS)].style_type, ST_LINES, ST_LPOINTS);
+    const struct {
+        const char* option;
+        double value, least, most;
+    } numbers[] = {
+        {"points", Look.letters, 1, 200},
+        {"dpi", static_cast<double>(Look.dpi), 10, 10000},
+        {"lw", LineWidthFactor, 0, 1000},
+        {"elw", ErrLineWidthFactor, 0, 1000},
+        {"psf", PointSizeFactor, 0, 1000},
+        {"efa", ErrFillAlpha, 0, 1},
+        {"ratio", PlotRatio, -1e6, 1e6},
+        {"style_sms", static_cast<double>(Type[d_idx(P_GINT_SMS)].style_type), ST_LINES,
+         ST_LPOINTS},
+    };
+    for (const auto& [option, value, least, most] : numbers) {
+        if (!(least <= value && value <= most))
+            fail(stderr, "--%s is a number from %g to %g\n", option, least, most);
+    }
     const double most = 32767;  // of the library that draws for gnuplot
     const double pixels = std::max(Look.width, Look.height) / 2.54 * Look.dpi;
     if (is_format(".png") && pixels > most)

@@ -4,6 +4,7 @@ import os
 import signal
 import time
 import unittest
+from pathlib import Path
 
 import figures
 import running
@@ -19,29 +20,34 @@ sed 's/^set terminal .*/set terminal other/' "$2" | {GNUPLOT} -d /dev/stdin
 """.encode()
 # An input or option that is refused, and what is said.
 REFUSED = (
-    ((CCL4,), r"into which file\? -o FILE.pdf, .*"),
-    (("-o", "a.gif", CCL4), "a.gif has none of the endings .*"),
+    ((CCL4,), r"into which file\? -o FILE.pdf, .eps, .svg, .png or .html says it"),
+    (("-o", "a.gif", CCL4), "a.gif has none of the endings .pdf, .eps, .svg, .png and .html"),
     (("-o", ".pdf", CCL4), ".pdf has none of the endings .*"),
     (("--png", "a.png", CCL4), "--png makes no sense here: use -o FILE.png"),
     (("--eps", "a.eps", CCL4), "--eps makes no sense here: use -o FILE.eps"),
     (("--svg", "a.svg", CCL4), "--svg makes no sense here: use -o FILE.svg"),
     (("-w", "100", CCL4), "--imgw makes no sense here: use -s WIDTHxHEIGHT, in cm"),
     (("-l", "100", CCL4), "--imgl makes no sense here: use -s WIDTHxHEIGHT, in cm"),
-    (("--term", "dumb", CCL4), "--term makes no sense here: .*"),
-    (("-o", "a.pdf", "-s", "8,5x6", CCL4), "the size is WIDTHxHEIGHT in cm, .*; not '8,5x6'"),
-    (("-o", "a.pdf", "-s", "8x0", CCL4), "the size is .*"),
+    (("--term", "dumb", CCL4), "--term makes no sense here: the ending of -o FILE decides"),
+    (("-o", "a.pdf", "-s", "8,5x6", CCL4),
+     "the size is WIDTHxHEIGHT in cm, each from 1 to 200, as in 17x11; not '8,5x6'"),
+    (("-o", "a.pdf", "-s", "8x0.9", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-s", "8x6cm", CCL4), "the size is .*"),
-    (("-o", "a.pdf", "-s", "nanx6", CCL4), "the size is .*"),
+    (("-o", "a.pdf", "-s", "0.9x6", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-s", "8x", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-s", "201x6", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-s", "20x201", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-p", "0", CCL4), "--points is a number from 1 to 200"),
     (("-o", "a.png", "--dpi", "0", CCL4), "--dpi is a number from 10 to 10000"),
-    (("-o", "a.png", "--dpi", "10000", CCL4), "a PNG has at most 32767 pixels a side: .*"),
+    (("-o", "a.png", "-s", "17x1", "--dpi", "4896", CCL4),
+     "a PNG has at most 32767 pixels a side: use a lower --dpi"),
+    (("-o", "a.pdf", "--elw=-1", CCL4), "--elw is a number from 0 to 1000"),
+    (("-o", "a.pdf", "--psf=-1", CCL4), "--psf is a number from 0 to 1000"),
+    (("-o", "a.pdf", "--ratio", "2e6", CCL4), r"--ratio is a number from -1e\+06 to 1e\+06"),
     (("-o", "a.pdf", "--efa", "2", CCL4), "--efa is a number from 0 to 1"),
     (("-o", "a.pdf", "--lw", "nan", CCL4), "--lw is a number from 0 to 1000"),
     (("-o", "a.pdf", "--style_sms", "4", CCL4), "--style_sms is a number from 1 to 3"),
-    (("-o", "a.pdf", "-n", "1-1", CCL4), "a name is N-M=TEXT, .*; not '1-1'"),
+    (("-o", "a.pdf", "-n", "1-1", CCL4), "a name is N-M=TEXT, as in 1-1='500 mm'; not '1-1'"),
     (("-o", "a.pdf", "-n", "x=1-1", CCL4), "a name is N-M=TEXT, .*; not 'x=1-1'"),
     (("-o", "a.pdf", "-n", "1-1=a\nb", CCL4), "the name of 1-1 is no text in UTF-8 on one line"),
     *((("-o", "a.pdf", "-n", os.fsdecode(b"1-1=" + text), CCL4), "the name of 1-1 is no text .*")
@@ -51,7 +57,7 @@ REFUSED = (
     (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),
     (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4),
      "no deviations to show in .*: read smss as well"),
-    (("-o", "a.pdf", running.EXAMPLES / "r_values.out"), "R-values cannot be drawn: .*"),
+    (("-o", "a.pdf", running.EXAMPLES / "r_values.out"), "R-values cannot be drawn: .* --data"),
     (("-o", "a.pdf", "--smserrfill", "-d", "smss", CCL4), "nothing to draw in table 1 of .*"),
     (("-o", "a.pdf", "empty"), "empty is no output of KOVA: there is no table in it"),
     (("-o", "no/a.pdf", *CIRCLES), "cannot write no/a.pdf: No such file or directory"),
@@ -93,11 +99,13 @@ class Files(unittest.TestCase):
                 files = drawn("-o", name, "-s", "6x4", *CIRCLES).files
                 self.assertEqual(list(files), [name])
 
-    def test_input_name_in_the_page(self):
+    def test_page(self):
+        """All but the pictures."""
         name = "<a> & \"b'.out"
-        page = drawn("-o", "a.html", "--data", "sms", "--curves", "1-1", name,
-                     files={name: CCL4.read_bytes()}).files["a.html"]
-        self.assertIn(b"<title>&lt;a&gt; &amp; \"b'.out</title>", page)
+        stub = b"#!/bin/sh\necho '<?xml?>\n<svg gnuplot_svg = function />1</svg>\n<svg>2</svg>'\n"
+        page = content("a.html", "--smserrbars", "-d", "sms,smss", "-c", "1-1,2-1", name,
+                       files={name: CCL4.read_bytes()}, gnuplot=stub)
+        self.assertEqual(page.decode(), Path(__file__).with_name("page.html").read_text())
 
 
 class Refused(unittest.TestCase):
@@ -105,6 +113,11 @@ class Refused(unittest.TestCase):
         for arguments, said in REFUSED:
             with self.subTest(arguments):
                 refused(self, figure(*arguments, files={"empty": ""}), said)
+
+    def test_limits_themselves(self):
+        drawn("-o", "a.png", "-p", "200", "-s", "200x200", "--dpi", "10", "--lw", "0",
+              "--elw", "0", "--psf", "0", "--efa", "1", "--style_sms", "1", *CIRCLES)
+        drawn("-o", "a.pdf", "-p", "1", "-s", "1x1", "--efa", "0", "--style_sms", "3", *CIRCLES)
 
     def test_sets_with_other_columns(self):
         one, other = "|   Thr. sM(s)  |", "|  Delta sM(s)  |"
@@ -126,7 +139,7 @@ class Failures(unittest.TestCase):
                 (b"#!/bin/sh\nexit 0\n", "gnuplot ended without a picture"),
                 (b"#!/bin/sh\nkill -9 $$\n", "gnuplot ended without a picture"),
                 (f"#!/bin/sh\n{GNUPLOT} \"$@\" | head -c 9999\n".encode(),
-                 "gnuplot did not finish the picture: .*")):
+                 "gnuplot did not finish the picture: the disk of temporary files may be full")):
             for name in ENDS:
                 with self.subTest(said, name=name):
                     refused(self, figure("-o", name, *ONE_PLOT, gnuplot=gnuplot), said)

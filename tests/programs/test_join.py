@@ -154,7 +154,9 @@ class Refused(kova.Programs):
                                PROGRAM, "-f", "-o", "a", "a", "b", files=files)
 
     def test_options(self):
-        self.check_every_refused(PROGRAM, {"a.out": ONE}, "bglp1", "smsef", "png", "xmax")
+        self.check_every_refused(PROGRAM, {"a.out": ONE}, {
+            "numbers are copied; give it to gravlex with the joined file": "bglp1 smsef",
+            kova.DRAW: "png", "whole curves are written": "xmax"})
 
     def test_full_disk(self):
         with open("/dev/full", "wb") as full:

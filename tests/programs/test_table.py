@@ -135,11 +135,13 @@ class Files(kova.Programs):
 
     def test_refused_options(self):
         self.check_every_refused(
-            PROGRAM, {"a.out": SMALL}, "png", "eps", "svg", "imgw", "imgl", "grid", "legend",
-            "no-xtics", "ytics", "x2tics", "y2tics", "ratio", "term", "no-multiplot",
-            "no-autoshifts", "shiftmult", "lw", "elw", "psf", "efa", "dcombine", "ccombine",
-            "smserrbars", "dsmserrbars", "smserrfill", "dsmserrfill", "dsmslerrfill", "style_sms",
-            "ptype_sms", "xmin", "xmax")
+            PROGRAM, {"a.out": SMALL},
+            {kova.DRAW: "png eps svg imgw imgl grid legend no-xtics ytics x2tics y2tics ratio term "
+                        "no-multiplot lw elw psf efa style_sms ptype_sms",
+             "curves are written without shifts": "no-autoshifts shiftmult",
+             "use --dread": "dcombine", "use --cread": "ccombine",
+             "use --dread with smss": "smserrbars dsmserrbars smserrfill dsmserrfill dsmslerrfill",
+             "whole curves are written": "xmin xmax"})
 
 
 class Input(kova.Programs):
