@@ -1,15 +1,18 @@
 # SPDX-License-Identifier: MIT
 """documents.py check|redraw DOCUMENT...: runs the commands that the documents show.
 
-Commands are the lines that begin with "gravlex " in blocks that begin with "```sh"; a backslash
-at the end continues a line. Those of a block run one after another in a folder of their own,
-where examples/ is found, without a display if they write an image and with one if they do not.
+Blocks that begin with "```sh gallery" hold them, one a line; a backslash at the end continues a
+line. Those of a block run one after another in a folder of their own, with a copy of examples/ and
+an "ssh" for which each machine is this one. Every command must quietly do something: write a
+file, which must be of the kind that its name says, open a window, or print. A block "```python"
+behind them runs in the same folder, and a block "```text" is what the last of them has printed.
 
 The pictures of docs/pictures/ that are shown between a block and the next one are what its
-commands draw: an image of that name, an EPS image of that name, or, for names that begin with
-"window", the window. "redraw" writes these pictures, "check" compares them: to the pixel with the
-gnuplot that drew them, which the SVG image among them names, by what they show with any other. A
-picture before the first block is one that another block draws.
+commands draw: an image of that name, an EPS or PDF of that name, or, for names that begin with
+"window", the window, or the browser if they write a page for one. "redraw" writes these pictures,
+"check" compares them: to the pixel with the gnuplot that drew them, which the SVG images among
+them name, by what they show with any other. A picture before the first block is one that another
+block draws.
 """
 
 import collections
@@ -33,45 +36,74 @@ TOLERANCE = 0.003
 # pixels is there, and neither much more nor much less of it.
 SEEN = 0.003
 MUCH = 1.5
-WRITES_IMAGE = re.compile(r" --(png|eps|svg)[ =]")
-HAS_NO_WINDOW = re.compile(r" --term[ =]")
+NAMES_FILE = re.compile(r" (-o|--png|--eps|--svg)[ =](?!- )")
+OPENS_WINDOW = re.compile(r"\bgravlex (?!.*--(png|eps|svg|term)\b).*\.out$|\bgnuplot -persist")
 SHOWN = re.compile(r"\]\((?:docs/)?pictures/([^)]+)\)")
+# How a file begins, by the end of its name.
+BEGINNINGS = {".png": b"\x89PNG\r\n", ".pdf": b"%PDF-1.", ".eps": b"%!PS-Adobe-", ".svg": b"<?xml",
+              ".html": b"<!DOCTYPE html>", ".csv": b"set,s,", ".gp": b"# A gnuplot script",
+              ".out": b" KOVA "}
+# As the real one does, it begins in the home folder, and in the surroundings of a login.
+SSH = """#!/bin/sh
+while case $1 in -*) true ;; *) false ;; esac; do shift; done
+shift
+[ "$1" = -- ] && shift
+cd && SHELL=/bin/sh exec sh -c "$*"
+"""
 
 
 def read_parts(document):
     """The text before the first block, and the list of (code, text up to the next block)."""
     text = document.read_text(encoding="utf-8")
-    before, *parts = re.split(r"^```sh\b.*\n", text, flags=re.MULTILINE)
+    before, *parts = re.split(r"^```sh gallery\n", text, flags=re.MULTILINE)
     return before, [part.split("\n```\n", 1) for part in parts]
 
 
 def read_blocks(document):
-    """The blocks with commands: a list of (commands, names of the pictures that show them)."""
+    """A list of (steps, names of the pictures that show them); a step is (language, text)."""
     blocks = []
     for code, rest in read_parts(document)[1]:
-        lines = re.sub(r" *\\\n *", " ", code).splitlines()
-        commands = [line for line in lines if line.startswith("gravlex ")]
-        if commands:
-            blocks.append((commands, SHOWN.findall(rest)))
+        commands = re.sub(r" *\\\n *", " ", code).splitlines()
+        further = re.findall(r"^```(python|text)\n(.*?)^```$", rest, re.MULTILINE | re.DOTALL)
+        blocks.append(([("sh", command) for command in commands] + further, SHOWN.findall(rest)))
     return blocks
 
 
-def images_in(folder):
-    return {path.name for path in folder.iterdir()
-            if path.suffix in (".png", ".eps", ".svg") and path.stat().st_size > 0}
+def files_in(folder):
+    return {path for path in folder.rglob("*.*") if path.suffix in BEGINNINGS}
+
+
+def check_file(path):
+    expect(path.read_bytes().startswith(BEGINNINGS[path.suffix]), f"{path.name} is something else")
 
 
 def run_command(command, folder, display):
-    """Runs one command, which must quietly draw what its options ask for."""
-    images, count = images_in(folder), len(sessions.windows(display))
-    wants_image = WRITES_IMAGE.search(command)
-    status, _, err = sessions.run(command, folder, None if wants_image else display)
+    """Runs one command, which must quietly do what it says. Returns what it has printed."""
+    before, count = files_in(folder), len(sessions.windows(display))
+    opens_window = OPENS_WINDOW.search(command)
+    status, out, err = sessions.run(command, folder, display if opens_window else None)
     expect(status == 0, f"{command}: status {status}, {err}")
     expect(sessions.is_quiet(err), f"{command}: said {err}")
-    if wants_image:
-        expect(images_in(folder) > images, f"{command}: no image")
-    elif "examples/" in command and not HAS_NO_WINDOW.search(command):
+    written = files_in(folder) - before
+    for path in written:
+        check_file(path)
+    if opens_window:
         sessions.wait_for_windows(display, count + 1)
+    else:
+        expect(written or out and not NAMES_FILE.search(command), f"{command}: wrote nothing")
+    return out
+
+
+def run_steps(steps, folder, display):
+    printed = None
+    for language, text in steps:
+        if language == "sh":
+            printed = run_command(text, folder, display)
+        elif language == "python":
+            status, printed, err = sessions.run([sys.executable, "-c", text], folder)
+            expect(status == 0, f"the program ends with {status}: {err}")
+        else:
+            expect(printed == text, f"printed is\n{printed}")
 
 
 def is_of_window(picture):
@@ -80,20 +112,23 @@ def is_of_window(picture):
 
 def make_picture(picture, display):
     """Makes that picture of what has been drawn, unless it is an image that was drawn."""
+    if any(picture.parent.glob("*.html")):
+        return  # only "redraw" needs a browser
     if is_of_window(picture):
         found = sessions.windows(display)
         expect(len(found) == 1, f"{picture.name} could be any of {len(found)} windows")
         sessions.screenshot(display, found[0], picture)
-    elif picture.with_suffix(".eps").exists():
-        files.render_eps(picture.with_suffix(".eps"), picture, 150)
+    for suffix in (".eps", ".pdf"):
+        if picture.with_suffix(suffix).exists():
+            files.render(picture.with_suffix(suffix), picture, 150, 4)
     expect(picture.exists(), f"no command of its block draws {picture.name}")
 
 
-def draw_block(commands, names, handle):
-    """Runs the commands of a block and calls handle(picture) for each picture."""
+def draw_block(steps, names, handle):
+    """Runs what a block holds and calls handle(picture) for each picture."""
     with sessions.work_folder() as folder, sessions.x_display() as display:
-        for command in commands:
-            run_command(command, folder, display)
+        running.put(folder / "bin" / "ssh", SSH)
+        run_steps(steps, folder, display)
         for name in names:
             make_picture(folder / name, display)
             handle(folder / name)
@@ -197,31 +232,42 @@ def check(documents):
     tests = [make_test("pictures of the documents", check_names, documents)]
     for document in documents:
         blocks = read_blocks(document)
-        tests += [make_test(f"{document.name}: {commands[0]}",
-                            draw_block, commands, names, check_picture)
-                  for commands, names in blocks]
+        tests += [make_test(f"{document.name}: {steps[0][1]}",
+                            draw_block, steps, names, check_picture)
+                  for steps, names in blocks]
         expect(blocks, f"{document.name} shows no commands")
     sessions.run_tests(tests)
 
 
 # ---- Redraw ------------------------------------------------------------------------------------
 
+def photograph_page(page, picture):
+    """Writes what a browser shows of a page into an image."""
+    # Its own messages are many and mean nothing.
+    subprocess.run(["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--hide-scrollbars",
+                    f"--user-data-dir={page.parent}/browser", f"--screenshot={picture}",
+                    "--window-size=1000,680", page.as_uri()],
+                   timeout=running.TIME_LIMIT, stderr=subprocess.DEVNULL, check=True)
+
+
 def keep_picture(picture):
+    for page in picture.parent.glob("*.html"):
+        photograph_page(page, picture)
     shutil.copyfile(picture, PICTURES / picture.name)
     print(f"docs/pictures/{picture.name}", flush=True)
 
 
 def redraw(documents):
-    running.require(*sessions.TOOLS)
+    running.require(*sessions.TOOLS, "chromium")
     PICTURES.mkdir(exist_ok=True)
     names = drawn_names(documents)
     for path in PICTURES.iterdir():
         if path.name not in names:
             path.unlink()
     for document in documents:
-        for commands, pictures in read_blocks(document):
+        for steps, pictures in read_blocks(document):
             if pictures:
-                draw_block(commands, pictures, keep_picture)
+                draw_block(steps, pictures, keep_picture)
 
 
 if __name__ == "__main__":

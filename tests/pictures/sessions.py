@@ -6,6 +6,7 @@ import os
 import pathlib
 import re
 import select
+import shutil
 import signal
 import subprocess
 import sys
@@ -32,10 +33,10 @@ def expect(condition, text):
 
 @contextlib.contextmanager
 def work_folder():
-    """A folder to draw in, where the samples are found as in the root of the project."""
+    """A folder to draw in, with a copy of the samples where the root of the project has them."""
     with tempfile.TemporaryDirectory(prefix="gravlex-pictures-") as name:
         folder = pathlib.Path(name)
-        (folder / "examples").symlink_to(running.EXAMPLES)
+        shutil.copytree(running.EXAMPLES, folder / "examples")
         yield folder
 
 
@@ -44,7 +45,7 @@ def run(command, folder, display=None):
 
     The output goes to files: a window that stays open keeps a pipe open as well.
     """
-    env = running.environment(folder, PATH=f"{PROGRAM.parent}:{os.environ['PATH']}")
+    env = running.environment(folder, PATH=f"{folder}/bin:{PROGRAM.parent}:{os.environ['PATH']}")
     if display:
         env |= {"DISPLAY": display["name"], "XDG_RUNTIME_DIR": str(folder)}
     with open(folder / "stdout", "w+b") as out, open(folder / "stderr", "w+b") as err:
@@ -64,11 +65,13 @@ def run(command, folder, display=None):
 
 def is_quiet(stderr):
     """Whether nothing was said but the line that comes with every image, and what the window's
-    toolkit says of a container."""
+    toolkit and GNU parallel say of a container."""
     return set(stderr.splitlines(keepends=True)) <= {
         running.PIPE_LINE,
         "WARNING: Glycin running without sandbox. "
-        "Bubblewrap (bwrap) doesn't work in the environment.\n"}
+        "Bubblewrap (bwrap) doesn't work in the environment.\n",
+        "lscpu: failed to determine number of CPUs: "
+        "/sys/devices/system/cpu/possible: No such file or directory\n"}
 
 
 def draw(arguments, folder, display=None):

@@ -180,7 +180,7 @@ def check_eps(sample, folder):
         draw(f"{SELECTION} {options} --eps fit.eps examples/{sample}.out", folder)
         size = files.eps_size(folder / "fit.eps")
         expect(size == EPS_SIZE, f"{sample}: {size} points instead of {EPS_SIZE}")
-    files.render_eps(folder / "fit.eps", folder / "fit.png", 144)
+    files.render(folder / "fit.eps", folder / "fit.png", 144)
     image = files.read_png(folder / "fit.png")
     expect(image[:2] == (720, 504), f"{sample}: drawn with {image[:2]} pixels")
     check_pixels(image, number_of_points(sample))
