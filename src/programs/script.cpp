@@ -128,8 +128,11 @@ static void write_page() {
     write_comment(Output);
     for_each_plot(write_data_blocks);
     write_terminal(image_is_asked_for() ? ImgFname : nullptr);
+    // An image of a page has the encoding that was set when it began: the Angstrom sign needs it.
     if (page_has_panels())
-        std::fprintf(f, "set multiplot layout %d, %d title \"KOVA GED curves\"\n",
+        std::fprintf(f,
+                     "set encoding iso_8859_1\n"
+                     "set multiplot layout %d, %d title \"KOVA GED curves\"\n",
                      CurveGroupsToPlot, ColGroupsToPlot);
     for_each_plot(write_plot);
     if (page_has_panels())

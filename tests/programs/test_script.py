@@ -10,6 +10,7 @@ import signal
 import subprocess
 import time
 import unittest
+import xml.etree.ElementTree as xml
 
 import programs
 import running
@@ -114,6 +115,12 @@ class Script(ProgramTest):
         self.assertGreater(int(size[2]), 2)
         self.assertEqual(len(re.findall("(?m)^plot ", self.kept())), 4)
         self.assertIn('set output "./page.png"', self.kept())
+
+    def test_letters_of_a_page(self):
+        self.script("--svg", "page.svg", *PAGE)
+        self.draw("gravlex.gp")
+        letters = "".join(xml.parse(self.work / "page.svg").getroot().itertext())
+        self.assertEqual(letters.count("\N{LATIN CAPITAL LETTER A WITH RING ABOVE}"), 4)
 
     def test_terminal(self):
         """Before the page: gnuplot changes it in none."""
