@@ -4,7 +4,8 @@
 Blocks that begin with "```sh gallery" hold them, one a line; a backslash at the end continues a
 line. Those of a block run one after another in a folder of their own, with a copy of examples/ and
 an "ssh" for which each machine is this one. Every command must quietly do something: write a
-file, which must be of the kind that its name says, open a window, or print. A block "```python"
+file, which must be of the kind that its name says, open a window, or print. gravlex-watch goes on
+until its window is there and control-C comes. A block "```python"
 behind them runs in the same folder, and a block "```text" is what the last of them has printed.
 
 The pictures of docs/pictures/ that are shown between a block and the next one are what its
@@ -17,8 +18,10 @@ block draws.
 
 import collections
 import functools
+import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
 
@@ -94,10 +97,22 @@ def run_command(command, folder, display):
     return out
 
 
+def watch(command, folder, display):
+    """Runs gravlex-watch until its window is there."""
+    def interrupt(process):
+        sessions.wait_for_windows(display, 1)
+        os.killpg(process.pid, signal.SIGINT)
+
+    status, _, err = sessions.run(command, folder, display, interrupt)
+    expect(status == -signal.SIGINT and sessions.is_quiet(err), f"{command}: {status}, {err}")
+
+
 def run_steps(steps, folder, display):
     printed = None
     for language, text in steps:
-        if language == "sh":
+        if text.startswith("gravlex-watch "):
+            watch(text, folder, display)
+        elif language == "sh":
             printed = run_command(text, folder, display)
         elif language == "python":
             status, printed, err = sessions.run([sys.executable, "-c", text], folder)

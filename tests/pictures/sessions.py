@@ -40,8 +40,9 @@ def work_folder():
         yield folder
 
 
-def run(command, folder, display=None):
+def run(command, folder, display=None, meanwhile=None):
     """Runs a list of words, or a line for the shell. Returns (status, standard output, error).
+    `meanwhile` gets the process.
 
     The output goes to files: a window that stays open keeps a pipe open as well.
     """
@@ -54,6 +55,8 @@ def run(command, folder, display=None):
         if display:
             display["groups"].append(process.pid)
         try:
+            if meanwhile:
+                meanwhile(process)
             status = process.wait(TIME_LIMIT)
         finally:
             if process.poll() is None:
@@ -117,7 +120,7 @@ def ask(display, *words):
 def windows(display):
     """The ids of the visible windows in which gnuplot draws."""
     tree = ask(display, "xwininfo", "-root", "-tree").stdout
-    found = re.findall(r'(0x[0-9a-f]+) "Gnuplot[^"]*"', tree)
+    found = re.findall(r'(0x[0-9a-f]+) "(?:Gnuplot|gravlex-watch)[^"]*"', tree)
     return [window for window in found
             if "IsViewable" in ask(display, "xwininfo", "-id", window).stdout]
 
