@@ -15,6 +15,7 @@ static constexpr double CURVE = 0.8, BAR = 0.5, FRAME = 0.5, GRID = 0.25;
 
 // In em.
 static constexpr double TIC = 0.3;            // length of a tic mark
+static constexpr double CAP = 0.2235;         // width of the ends of a bar
 static constexpr double NUMBER_DEPTH = 1.17;  // from the axis down to the baseline of its numbers
 
 static bool is(const char* ending) {
@@ -269,10 +270,12 @@ static void write_band(int c, int j) {
                  block_name(c, j, true).text, color);
 }
 
+// Type -1 is no point: the dot of type 0 fills the circle in an SVG. gnuplot clears a disk for a
+// point all the same, which `pointintervalbox` makes too small to be seen.
 static void write_bars(int c, int j) {
     char color[8];
     print_color(color, d_idx(PlotColType[j]), 1.0);
-    std::fprintf(f, "%s using 1:2:3 notitle with errorbars pt 0 lw %g lc rgb '%s'",
+    std::fprintf(f, "%s using 1:2:3 notitle with errorbars pt -1 lw %g lc rgb '%s'",
                  block_name(c, j, true).text, BAR * ErrLineWidthFactor, color);
 }
 
@@ -352,8 +355,10 @@ std::vector<part_t> write_commands(const page_t& page) {
         write_frame(panel, place);
         write_tics(panel, place, page.numbers);
         write_labels(panel, place);
-        std::fprintf(f, "set key Left reverse samplen %g noenhanced\nset bars 0.5\n",
-                     Look.format->sample);
+        std::fprintf(f,
+                     "set key Left reverse samplen %g noenhanced\n"
+                     "set bars %.4g\nset pointintervalbox 0.01\n",
+                     Look.format->sample, CAP / Look.format->tic);
         const std::vector<part_t> added = write_plot(page, panel, number);
         parts.insert(parts.end(), added.begin(), added.end());
     }

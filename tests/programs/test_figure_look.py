@@ -187,6 +187,14 @@ class Curves(unittest.TestCase):
             self.assertEqual(sum(kinds), 4)
         self.assertIn("fillcolor rgb '#808080'", commands)
 
+    def test_bars(self):
+        """Neither a dot nor a cleared disk at a bar hides the curve or the circle."""
+        svg = content("a.svg", "--smserrbars", "--data", "sms,tsms,smss", "--curves", "1-1",
+                      CCL4).decode()
+        self.assertEqual(svg.count("<use xlink:href='#gpDot'"), 0)
+        disks = re.findall(r"scale\((.*?)\)' color='#FFFFFF'", svg)
+        self.assertLess(max(map(float, disks), default=0), 0.1)
+
     def test_colors(self):
         for grey, color in ((), "170,0,0"), (("-g",), "112,112,112"):
             svg = content("a.svg", *grey, *ONE_PLOT).decode().replace(" ", "")
