@@ -204,10 +204,36 @@ static void widen(const char* axis, double* low, double* high) {
     *high += room;
 }
 
+// That of gravlex would leave no room for bars and bands, but some for the column that they show.
+static void set_y_range(plot_t plot, ranges_t* ranges) {
+    double low = HUGE_VAL, high = -HUGE_VAL;    // of the curves
+    double least = HUGE_VAL, most = -HUGE_VAL;  // of bars and bands
+    for_each_column(plot, [&](int c, int j) {
+        const deviation_t deviation = deviation_of(PlotColType[j]);
+        if (deviation == DEV_HIDDEN)
+            return;
+        const double* d = deviation == DEV_NONE ? nullptr : Curve[c][ColErrIdx[j]];
+        const double shift = CurveShift[c][j];
+        for (int k = 0; k < column_points(c, j); k++) {
+            const double y = Curve[c][j][k] + shift;
+            low = std::fmin(low, y);
+            high = std::fmax(high, y);
+            if (d == nullptr)
+                continue;
+            const double level = deviation == DEV_LEVEL_BAND ? shift : y;
+            least = std::fmin(least, level - std::fabs(d[k]));
+            most = std::fmax(most, level + std::fabs(d[k]));
+        }
+    });
+    ranges->ymin = std::fmin(low - 0.05 * (high - low), least - 0.02 * (most - least));
+    ranges->ymax = std::fmax(high + 0.05 * (high - low), most + 0.02 * (most - least));
+}
+
 static panel_t panel_of(plot_t plot) {
     panel_t panel = {};
     panel.plot = plot;
     panel.ranges = ranges_of(plot);
+    set_y_range(plot, &panel.ranges);
     widen("s", &panel.ranges.xmin, &panel.ranges.xmax);
     widen("y", &panel.ranges.ymin, &panel.ranges.ymax);
     if (!PlotLegend && !is_format(".html"))

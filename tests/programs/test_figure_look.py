@@ -195,6 +195,18 @@ class Curves(unittest.TestCase):
         disks = re.findall(r"scale\((.*?)\)' color='#FFFFFF'", svg)
         self.assertLess(max(map(float, disks), default=0), 0.1)
 
+    def test_room_for_deviations(self):
+        """Where they are drawn, and none for their column."""
+        for option in "--dsmserrbars", "--dsmserrfill", "--dsmslerrfill":
+            commands = drawn("-o", "a.pdf", option, "--smsef", "9", "--data", "dsms,smss",
+                             "--curves", "3-1", CCL4).commands
+            low, high = map(float, re.search(r"set yrange \[(\S+) : (\S+)\]", commands).groups())
+            block = re.search(r"_dev << EOD\n(.*?)EOD", commands, re.S)[1]
+            ends = [end for _, a, b in (map(float, row.split()) for row in block.splitlines())
+                    for end in ((a - b, a + b) if "bars" in option else (a, b))]
+            self.assertTrue(0 < min(ends) - low < 0.1 * (high - low), option)
+            self.assertTrue(0 < high - max(ends) < 0.1 * (high - low), option)
+
     def test_colors(self):
         for grey, color in ((), "170,0,0"), (("-g",), "112,112,112"):
             svg = content("a.svg", *grey, *ONE_PLOT).decode().replace(" ", "")
