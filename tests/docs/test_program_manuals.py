@@ -2,13 +2,10 @@
 """The manual page of each program beside gravlex says all that is to be said of it alone."""
 import re
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
 import manual
 import program
-import running
 from listed import LIST, Listed
 from manual import plain
 
@@ -77,24 +74,6 @@ class Manuals(unittest.TestCase):
             for head in heads:
                 self.assertTrue(any(manual.matches(message, head) for message in own | shared),
                                 f"no longer a message of {name}: {plain(head)}")
-
-    def test_examples(self):
-        """Every example runs as it stands, without a word on standard error."""
-        for name in NAMES:
-            commands = [plain(heads[0])
-                        for heads, _ in manual.read(page_path(name)).items_of("EXAMPLES")]
-            self.assertGreater(len(commands), 2)
-            with tempfile.TemporaryDirectory() as folder:
-                for sample in running.EXAMPLES.glob("*.out"):
-                    (Path(folder) / sample.name).symlink_to(sample)
-                env = running.environment(folder, GNUTERM="dumb")
-                env["PATH"] = f"{program.PROGRAM.parent}:{env['PATH']}"
-                for command in commands:
-                    with self.subTest(command):
-                        run = subprocess.run(["sh", "-ec", command], cwd=folder, env=env,
-                                             check=False, capture_output=True,
-                                             timeout=running.TIME_LIMIT)
-                        self.assertEqual((run.returncode, run.stderr), (0, b""))
 
 
 if __name__ == "__main__":

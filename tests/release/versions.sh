@@ -22,4 +22,8 @@ same CITATION.cff 's/^version: //p' "$version"
 same CITATION.cff 's/^date-released: //p' "$day"
 same debian/changelog 's/^gravlex (\(.*\)) .*/\1/p' "$version"
 same debian/changelog 's/^ -- .*>  //p' "$(LC_ALL=C date -u -d "$day 12:00" '+%a, %d %b %Y %T %z')"
+
+# What gravlex itself prints is another number, which its manual explains.
+printed=$(sed -n 's/^const char VERSION.* = "\(.*\)";/\1/p' src/kova/run/options.cpp)
+same man/gravlex.1 's/^\.Ql \(.*-g[0-9a-f]*\) ,$/\1/p' "$printed"
 exit $failed
