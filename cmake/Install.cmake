@@ -10,8 +10,7 @@ install(TARGETS gravlex ${installed} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
 install(DIRECTORY man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # In their places to each other, so that the links hold.
-install(FILES CHANGELOG.md CITATION.cff HACKING.md LICENSE README.md SECURITY.md
-        DESTINATION ${doc_dir})
+install(FILES CHANGELOG.md CITATION.cff LICENSE README.md SECURITY.md DESTINATION ${doc_dir})
 install(DIRECTORY docs examples DESTINATION ${doc_dir})
 
 # Debian's zsh searches this folder below /usr/local, and another one below /usr.
