@@ -5,8 +5,8 @@ Blocks that begin with "```sh gallery" hold them, one a line; a backslash at the
 line. Those of a block run one after another in a folder of their own, with a copy of examples/ and
 an "ssh" for which each machine is this one. Every command must quietly do something: write a
 file, which must be of the kind that its name says, open a window, or print. gravlex-watch goes on
-until its window is there and control-C comes. A block "```python"
-behind them runs in the same folder, and a block "```text" is what the last of them has printed.
+until its window is there and control-C comes. A block "```python" behind them runs in the same
+folder, and a block "```text" is what the last of them has printed.
 
 The pictures of docs/pictures/ that are shown between a block and the next one are what its
 commands draw: an image of that name, an EPS or PDF of that name, or, for names that begin with
