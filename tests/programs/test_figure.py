@@ -102,7 +102,7 @@ class Files(unittest.TestCase):
     def test_page(self):
         """All but the pictures."""
         name = "<a> & \"b'.out"
-        stub = b"#!/bin/sh\necho '<?xml?>\n<svg gnuplot_svg = function />1</svg>\n<svg>2</svg>'\n"
+        stub = b"#!/bin/sh\necho '<svg gnuplot_svg = function />1</svg>\n<?xml?>\n<svg>2</svg>'\n"
         page = content("a.html", "--smserrbars", "-d", "sms,smss", "-c", "1-1,2-1", name,
                        files={name: CCL4.read_bytes()}, gnuplot=stub)
         self.assertEqual(page.decode(), Path(__file__).with_name("page.html").read_text())
