@@ -4,6 +4,7 @@
 // a limit that a test sets is none for them.
 #include <sys/resource.h>
 
+#include <csignal>
 #include <initializer_list>
 
 [[gnu::destructor]] static void lift_limits() {
@@ -33,4 +34,14 @@ int __wrap_raise(int signal) {
     __gcov_dump();
     return __real_raise(signal);
 }
+}
+
+// What goes on until somebody ends it has no handler of its own.
+static void end_counted(int signal) {
+    std::signal(signal, SIG_DFL);
+    __wrap_raise(signal);
+}
+
+[[gnu::constructor]] static void await_end() {
+    std::signal(SIGTERM, end_counted);
 }
