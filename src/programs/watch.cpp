@@ -3,19 +3,17 @@
 // gravlex-watch: shows the plot in one window, and draws it again whenever the file changes.
 //
 // The core reads one table in one process, so each reading has a process of its own, which ends
-// with it. One that fails leaves its sentence, and the picture as it was. What is started ends
-// with us, however that happens: a signal needs no handling.
+// with it. One that fails leaves its sentence, and the picture as it was. gnuplot ends with us,
+// however that happens: a signal needs no handling.
 #include "watch.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <popt.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 
@@ -69,7 +67,6 @@ void forget_news() {
 
 // The process that reads. What it says goes to the one that waits for it.
 [[noreturn]] static void read_once(const char* name, FILE* commands, int number, int messages) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(messages, STDERR_FILENO);
     write_picture(name, commands, number);
     std::exit(EXIT_SUCCESS);

@@ -138,10 +138,11 @@ class File(Watched):
             session.wait("said", "\n", 2)
             session.replace(table("5-5"))
             session.wait("shown", "(5-5)")
-            session.replace(HALF)
+            session.replace(table("1-1")[:40])
             session.wait("said", "\n", 3)
         result = watch([*DUMB, "fit.out"], steps)
-        self.check_end(result, [CUT, f"no data sets in table 1 of fit.out {WAITING}", CUT])
+        empty = f"no data sets in table 1 of fit.out {WAITING}"
+        self.check_end(result, [CUT, empty, empty])
         self.assertEqual(result.recorded["messages"].count(b"drawn"), 2)
 
     def test_not_there_yet(self):
@@ -265,6 +266,11 @@ class Gnuplot(Watched):
                                  ("read line; echo ready dumb >&2; exit 3", "gnuplot has ended")):
             with self.subTest(script):
                 self.refused(sentence, *DUMB, "fit.out", gnuplot=f"#!/bin/sh\n{script}\n".encode())
+
+    def test_stuck(self):
+        script = b'#!/bin/sh\necho ready dumb | tee "$RECORD/messages" >&2\nexec sleep 1000'
+        self.check_end(watch([*DUMB, "fit.out"], lambda session: session.wait("messages", "ready"),
+                             gnuplot=script))
 
     def test_complaints(self):
         """Each is passed on once, and that of a library only if there is no picture."""
