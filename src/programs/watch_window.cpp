@@ -89,9 +89,11 @@ window_t open_window(const char* name, FILE* commands) {
                      "if (strstrt('|wxt|qt|x11|', '|'.GPVAL_TERM.'|')) "
                      "eval 'set terminal '.GPVAL_TERM.' noraise title w_title'\n");
     }
+    // Built without windows, gnuplot does not know the command.
     std::fprintf(ToGnuplot,
                  "w_drawn = 0\n"
-                 "bind 'Close' 'print \"\\nclosed\"; exit gnuplot'\n"
+                 "if (strstrt(GPVAL_COMPILE_OPTIONS, '+USE_MOUSE')) "
+                 "eval \"bind 'Close' 'print \\\"\\\\nclosed\\\"; exit gnuplot'\"\n"
                  "print \"\\nready \".GPVAL_TERM\n");
     std::fflush(ToGnuplot);  // a gnuplot that is gone will be noticed elsewhere
     return {FromGnuplot, fileno(ToGnuplot)};
@@ -152,9 +154,9 @@ static void take_line(std::string line) {
         Closed = true;
     else
         keep_complaint(line);
-    // Its x11 terminal has lost the display. gnuplot goes on, but reads no longer all that is
+    // Its terminal x11 or qt has no display. gnuplot goes on, but no longer reads all that is
     // sent.
-    if (line.ends_with("X11 aborted."))
+    if (line.ends_with("X11 aborted.") || line.starts_with("qt.qpa.xcb: could not connect "))
         fail(stderr, "gnuplot says: %s\n", Foreign.c_str());
 }
 

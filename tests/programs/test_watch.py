@@ -254,6 +254,9 @@ class Picture(Watched):
                                 f"with --data {WAITING}"])
 
 
+NO_QT = "qt.qpa.xcb: could not connect to display"
+
+
 class Gnuplot(Watched):
     def test_missing(self):
         self.refused("gnuplot not found: install it, or put it on the search path",
@@ -263,7 +266,8 @@ class Gnuplot(Watched):
         for script, sentence in (("exit 0", "gnuplot has ended"),
                                  ("echo no memory >&2; exit 1", "gnuplot says: no memory"),
                                  ("echo line 0: no plot >&2; exit 1", "gnuplot says: no plot"),
-                                 ("read line; echo ready dumb >&2; exit 3", "gnuplot has ended")):
+                                 ("read line; echo ready dumb >&2; exit 3", "gnuplot has ended"),
+                                 (f"echo '{NO_QT}' >&2; exec sleep 99", f"gnuplot says: {NO_QT}")):
             with self.subTest(script):
                 self.refused(sentence, *DUMB, "fit.out", gnuplot=f"#!/bin/sh\n{script}\n".encode())
 
