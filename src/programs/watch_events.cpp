@@ -61,7 +61,7 @@ static bool differs_from_taken() {
 // The folder's watch is set every time: it is lost when the folder is.
 static void look() {
     inotify_add_watch(Events, Folder.c_str(), CHANGES);
-    if (!Changed && differs_from_taken())
+    if (differs_from_taken())
         note_change();
     NextLook = now() + LOOK;
 }
