@@ -5,7 +5,7 @@ Blocks that begin with "```sh gallery" hold them, one a line; a backslash at the
 line. Those of a block run one after another in a folder of their own, with a copy of examples/ and
 an "ssh" for which each machine is this one. Every command must quietly do something: write a
 file, which must be of the kind that its name says, open a window, or print. gravlex-watch goes on
-until its window is there and control-C comes. A block "```python" behind them runs in the same
+until control-C comes, when its window is there and in the pictures. A block "```python" behind them runs in the same
 folder, and a block "```text" is what the last of them has printed.
 
 The pictures of docs/pictures/ that are shown between a block and the next one are what its
@@ -42,6 +42,7 @@ MUCH = 1.5
 NAMES_FILE = re.compile(r" (-o|--png|--eps|--svg)[ =](?!- )")
 OPENS_WINDOW = re.compile(r"\bgravlex (?!.*--(png|eps|svg|term)\b).*\.out$|\bgnuplot -persist")
 SHOWN = re.compile(r"\]\((?:docs/)?pictures/([^)]+)\)")
+DRAWN_WITH_LETTERS = "+----"  # a corner of the frame
 # How a file begins, by the end of its name.
 BEGINNINGS = {".png": b"\x89PNG\r\n", ".pdf": b"%PDF-1.", ".eps": b"%!PS-Adobe-", ".svg": b"<?xml",
               ".html": b"<!DOCTYPE html>", ".csv": b"set,s,", ".gp": b"# A gnuplot script",
@@ -97,28 +98,39 @@ def run_command(command, folder, display):
     return out
 
 
-def watch(command, folder, display):
-    """Runs gravlex-watch until its window is there."""
+def watch(command, names, folder, display):
+    """Runs gravlex-watch until its window is there, and in the pictures of that name."""
     def interrupt(process):
         sessions.wait_for_windows(display, 1)
+        for name in names:
+            make_picture(folder / name, display)
         os.killpg(process.pid, signal.SIGINT)
 
     status, _, err = sessions.run(command, folder, display, interrupt)
     expect(status == -signal.SIGINT and sessions.is_quiet(err), f"{command}: {status}, {err}")
 
 
-def run_steps(steps, folder, display):
+def check_printed(printed, text):
+    """Blanks at ends are not in a document, and another gnuplot puts other letters."""
+    if DRAWN_WITH_LETTERS in text and not is_same_gnuplot():
+        expect(DRAWN_WITH_LETTERS in printed, f"nothing is drawn:\n{printed}")
+    else:
+        printed = "".join(f"{line.rstrip()}\n" for line in printed.rstrip().split("\n"))
+        expect(printed == text, f"printed is\n{printed}")
+
+
+def run_steps(steps, names, folder, display):
     printed = None
     for language, text in steps:
         if text.startswith("gravlex-watch "):
-            watch(text, folder, display)
+            watch(text, names, folder, display)
         elif language == "sh":
             printed = run_command(text, folder, display)
         elif language == "python":
             status, printed, err = sessions.run([sys.executable, "-c", text], folder)
             expect(status == 0, f"the program ends with {status}: {err}")
         else:
-            expect(printed == text, f"printed is\n{printed}")
+            check_printed(printed, text)
 
 
 def is_of_window(picture):
@@ -126,9 +138,9 @@ def is_of_window(picture):
 
 
 def make_picture(picture, display):
-    """Makes that picture of what has been drawn, unless it is an image that was drawn."""
-    if any(picture.parent.glob("*.html")):
-        return  # only "redraw" needs a browser
+    """Makes that picture of what has been drawn, unless it is there already."""
+    if picture.exists() or any(picture.parent.glob("*.html")):
+        return  # a browser is needed by "redraw" only
     if is_of_window(picture):
         found = sessions.windows(display)
         expect(len(found) == 1, f"{picture.name} could be any of {len(found)} windows")
@@ -143,7 +155,7 @@ def draw_block(steps, names, handle):
     """Runs what a block holds and calls handle(picture) for each picture."""
     with sessions.work_folder() as folder, sessions.x_display() as display:
         running.put(folder / "bin" / "ssh", SSH)
-        run_steps(steps, folder, display)
+        run_steps(steps, names, folder, display)
         for name in names:
             make_picture(folder / name, display)
             handle(folder / name)
