@@ -10,7 +10,10 @@ import dataclasses
 import itertools
 import os
 import re
+import signal
 import sys
+import tempfile
+import time
 
 import harness
 import running
@@ -38,9 +41,20 @@ PROGRAM_RUNS = {
     "gravlex-table": ("-o a --dread sms one.out", {}),
     "gravlex-table --list": ("two.out", {}),
     "gravlex-join": ("-o a -c 1-1 one.out two.out", {}),
+    "gravlex-watch": ("--term dumb --dread sms two.out", {}),
 }
-# What gravlex-figure takes for pictures.
-DRAWS = b"#!/bin/sh\necho 'gnuplot_svg = function <svg></svg>'\n"
+# What gravlex-figure takes for pictures, and gravlex-watch for a window that is closed with the
+# first picture.
+DRAWS = b"""#!/bin/sh
+[ $# = 1 ] || exec echo 'gnuplot_svg = function <svg></svg>'
+while read -r line; do
+    case $line in
+    *ready*) printf '\\nready dumb\\n' >&2 ;;
+    load*) touch "$RECORD/loaded"; printf '\\ndrawn 1\\nclosed\\n' >&2; exit ;;
+    esac
+done
+"""
+WAITING = b" (waiting for a change)\n"
 FILES = {"one.out": harness.layout_1(), "two.out": harness.layout_2(),
          "long.out": harness.layout_1(points=900)}
 BIG = "--data sms,tsms,dsms --curves 1-1,2-1 --smserrbars big.out"
@@ -77,6 +91,17 @@ def judge(what, result, wrong, caller=""):
         print(f"{what}: {'; '.join(wrong)}\n{harness.describe(result)}")
 
 
+def end_when_it_waits(said):
+    """gravlex-watch goes on after a reading that fails, for as long as it is let."""
+    def wait(process, _):
+        end = time.monotonic() + running.TIME_LIMIT
+        while process.poll() is None and time.monotonic() < end:
+            if said().endswith(WAITING):
+                process.terminate()
+            time.sleep(0.01)
+    return wait
+
+
 def run(name, memory):
     """The result, and the library that asked for the first allocation that failed."""
     arguments, env = {**RUNS, **PROGRAM_RUNS}[name]
@@ -90,9 +115,16 @@ def run(name, memory):
         made.update((path.name, path.read_bytes()) for path in (folder / "work").iterdir()
                     if path.name not in {*FILES, "note", "examples"})
 
-    result = running.run(
-        [*program.split(), *arguments.split()], {**FILES, "note": ""}, env=env, afterwards=look,
-        gnuplot=DRAWS if name in PROGRAM_RUNS else running.STANDIN)
+    with tempfile.TemporaryFile() as errors:
+        def said():
+            return running.COVERAGE.sub(b"", os.pread(errors.fileno(), 1 << 20, 0))
+
+        more = {} if name != "gravlex-watch" else {
+            "stderr": errors, "meanwhile": end_when_it_waits(said)}
+        result = running.run(
+            [*program.split(), *arguments.split()], {**FILES, "note": ""}, env=env, afterwards=look,
+            gnuplot=DRAWS if name in PROGRAM_RUNS else running.STANDIN, **more)
+        result = dataclasses.replace(result, stderr=result.stderr + said())
     result.recorded.update(made)
     return result, os.path.basename(callers[0]) if callers else None
 
@@ -121,7 +153,8 @@ def forgotten(name, result, caller):
 
 def faults_of_program(result, right):
     """One beside gravlex leaves what it was asked for, or a sentence."""
-    told = result.status == 1 and SENTENCES.fullmatch(result.stderr)
+    wanted = -signal.SIGTERM if result.stderr.endswith(WAITING) else 1
+    told = result.status == wanted and SENTENCES.fullmatch(result.stderr)
     if result == right or told and not result.recorded and \
             right.stdout.startswith(result.stdout):
         return []
