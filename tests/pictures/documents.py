@@ -146,8 +146,8 @@ def make_picture(picture, display):
         expect(len(found) == 1, f"{picture.name} could be any of {len(found)} windows")
         sessions.screenshot(display, found[0], picture)
     for suffix in (".eps", ".pdf"):
-        if picture.with_suffix(suffix).exists():
-            files.render(picture.with_suffix(suffix), picture, 150, 4)
+        for figure in picture.parent.rglob(picture.stem + suffix):
+            files.render(figure, picture, 150, 4)
     expect(picture.exists(), f"no command of its block draws {picture.name}")
 
 
