@@ -128,7 +128,7 @@ static const program_t Program = {"gravlex-figure", "[options...] inputfile", Op
                                   handle_own_option, Refused};
 
 static void find_format() {
-    if (Output == nullptr)
+    if (Output == nullptr || *Output == '\0')
         fail(stderr, "into which file? -o FILE.pdf, .eps, .svg, .png or .html says it\n");
     const std::size_t length = std::strlen(Output);
     for (const format_t& format : Formats) {
