@@ -3,6 +3,7 @@
 // The cases show every name, label and style of the table.
 #include <string>
 
+#include "plain/plain.h"
 #include "run/run.h"
 #include "state.h"
 
@@ -33,6 +34,14 @@ TEST_F(Kinds, d_idx_follows_the_rows_not_the_bits) {
     for (int r = 0; r < MAX_COLS; r++) {
         EXPECT_EQ(d_idx(Type[r].type), r);
         EXPECT_EQ(Type[r].user, 0);
+    }
+}
+
+// Lines have a point type, too, that nothing draws.
+TEST_F(Kinds, point_types_are_those_of_the_reference) {
+    for (std::size_t r = 0; r < MAX_COLS; r++) {
+        EXPECT_EQ(Type[r].p_type, plain::types_at_start()[r].p_type);
+        EXPECT_EQ(Type[r].style_crad, 0.0);
     }
 }
 
