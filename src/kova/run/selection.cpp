@@ -146,24 +146,24 @@ static bool append(int** numbers, int count, int number) {
     return true;
 }
 
-// Parses the items of the list, which is cut into pieces on the way. 0, or 2 at a bad item or
+// Parses the items of the list, which is cut into pieces on the way. False at a bad item, or
 // without memory.
-static int parse_items(char* list, int* Npar, int** ParNum1, int** ParNum2) {
+static bool parse_items(char* list, int* Npar, int** ParNum1, int** ParNum2) {
     for (char* item = std::strtok(list, ","); item != nullptr; item = std::strtok(nullptr, ",")) {
         int Num1, Num2;
         if (std::strlen(item) >= WORD_SIZE) {
             say("Incorrect indication of intensity set: '%s'\n", item);
-            return 2;
+            return false;
         }
         if (parse_int_curve(item, &Num1, &Num2) != 0)
-            return 2;
+            return false;
         // GCOV_EXCL_START
         if (!append(ParNum1, *Npar, Num1) || !append(ParNum2, *Npar, Num2))
-            return 2;
+            return false;
         // GCOV_EXCL_STOP
         ++*Npar;
     }
-    return 0;
+    return true;
 }
 
 int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** ParNum2) {
@@ -173,9 +173,8 @@ int parse_int_curve_number(const char* inpstr, int* Npar, int** ParNum1, int** P
     *ParNum1 = nullptr;
     *ParNum2 = nullptr;
     char* list = strdup(inpstr);
-    if (list == nullptr)  // GCOV_EXCL_BR_LINE
-        return 2;         // GCOV_EXCL_LINE
-    const int result = parse_items(list, Npar, ParNum1, ParNum2);
+    const bool good = list != nullptr &&  // GCOV_EXCL_BR_LINE
+                      parse_items(list, Npar, ParNum1, ParNum2);
     std::free(list);
-    return result;
+    return good ? 0 : 2;
 }
