@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Help and usage: popt words them, so only what is ours in them is looked at.
+#include <cstdio>
 #include <cstring>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -11,7 +13,8 @@
 
 using Options = Fresh;
 
-static ended_t parsed(std::vector<std::string> words) {
+static ended_t parsed(
+    std::vector<std::string> words, const std::function<void()>& afterwards = [] {}) {
     words.insert(words.begin(), "gravlex");
     return in_child([&] {
         std::vector<char*> argv;
@@ -19,6 +22,7 @@ static ended_t parsed(std::vector<std::string> words) {
             argv.push_back(word.data());
         argv.push_back(nullptr);
         parse_command_line(static_cast<int>(words.size()), argv.data());
+        afterwards();
     });
 }
 
@@ -31,6 +35,21 @@ TEST_F(Options, help_and_usage_end_well) {
         EXPECT_EQ(ended.out.substr(0, 15), "Usage: gravlex ");
         EXPECT_NE(ended.out.find("inputfile"), std::string::npos);
     }
+}
+
+TEST_F(Options, switches_are_0_or_1) {
+    std::vector<std::string> words = {"--term=x", "--no-xtics", "--no-multiplot",
+                                      "--no-autoshifts", "x.out"};
+    for (const char* name : {"grid", "legend", "ytics", "x2tics", "y2tics", "bglp1", "smserrbars",
+                             "dsmserrbars", "smserrfill", "dsmserrfill", "dsmslerrfill"})
+        words.push_back(std::string("--") + name);
+    const ended_t ended = parsed(words, [] {
+        for (const int value : {PlotXtics, MultiPlot, AutoShifts, UserTerminal, PlotGrid,
+                                PlotLegend, PlotYtics, PlotX2tics, PlotY2tics, PlotBglPlus1,
+                                smsErrBars, dsmsErrBars, smsErrFill, dsmsErrFill, dsmslErrFill})
+            std::printf("%d", value);
+    });
+    EXPECT_EQ(ended.out, "000111111111111");
 }
 
 // What help says about each option, in the order of the table, white space aside.
