@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "plot/plot.h"
 
@@ -81,9 +82,9 @@ struct abscissa_t {
 };
 }  // namespace
 
-// The abscissae written last. Two, since most experiments have two nozzle-to-plate distances.
+// The abscissae written last, the older one first. Two, since most experiments have two
+// nozzle-to-plate distances.
 static abscissa_t Abscissae[2];
-static int OldestAbscissa = 0;
 
 static bool is_same(const abscissa_t& known, const double* x, int n) {
     return known.n == n && std::memcmp(known.x, x, sizeof *x * static_cast<std::size_t>(n)) == 0;
@@ -116,10 +117,9 @@ static const abscissa_t& abscissa_of(const double* x, int n) {
         if (is_same(known, x, n))
             return known;
     }
-    abscissa_t* replaced = &Abscissae[OldestAbscissa];
-    OldestAbscissa = 1 - OldestAbscissa;
-    write_abscissa(replaced, x, n);
-    return *replaced;
+    std::swap(Abscissae[0], Abscissae[1]);
+    write_abscissa(&Abscissae[1], x, n);
+    return Abscissae[1];
 }
 
 void release_rows() {

@@ -30,9 +30,7 @@ static bool pass_on_collected() {
     const bool good =
         std::fseek(Collected, 0, SEEK_SET) == 0 && pass_on_complaints(Collected, stderr);
     // GCOV_EXCL_STOP
-    const int error = errno;
     drop_collected();
-    errno = error;
     return good;
 }
 
@@ -83,7 +81,7 @@ static FILE* start_collected() {
     Collected = std::tmpfile();
     if (Collected == nullptr)  // GCOV_EXCL_BR_LINE
         return nullptr;        // GCOV_EXCL_LINE
-    const int own = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int own = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
     FILE* pipe = nullptr;
     if (own != -1 && prepare_collecting(fileno(Collected))) {  // GCOV_EXCL_BR_LINE
         set_standard_error(fileno(Collected));
