@@ -150,12 +150,21 @@ TEST_F(Lines, a_long_first_one_of_a_pipe_can_be_read_again) {
     close(ends[0]);
 }
 
+// The next descriptor that would be given.
+static int free_descriptor() {
+    const int next = dup(STDIN_FILENO);
+    close(next);
+    return next;
+}
+
 TEST_F(Lines, another_file_can_be_opened_after_a_first_line) {
     const text_file_t one("one\n"), two("two\n");
+    const int before = free_descriptor();
     open_input(one.name());
     next_line();
     leave_first_line();
     open_input(two.name());
     EXPECT_EQ(next_line(), "two\n");
     close_input();
+    EXPECT_EQ(free_descriptor(), before);
 }
