@@ -136,6 +136,14 @@ class Places(unittest.TestCase):
             self.assertIn(f"it needs {needed} cm\n", run.stderr)
         drawn("-o", "a.pdf", "-p", "1", "-s", "8x9", "-d", "sms,tsms", CCL4)
 
+    def test_frames_of_panels_stand_in_line(self):
+        """Whatever numbers are beside them."""
+        commands = drawn("-o", "a.pdf", "--ytics", "--no-autoshifts", "-t", "2", "-d", "int,dint",
+                         "-c", "2-1", CCL4).commands
+        left, right = figures.frames(commands, 2, 1)
+        for one, other in (left[0], right[0]), (left[2], right[2]):
+            self.assertAlmostEqual(other - one, 1, delta=0.001)
+
     def test_no_room_for_what_is_not_drawn(self):
         """Deviations that are shown with the curves have no panel."""
         run = drawn("-o", "a.pdf", "--smserrfill", "-c", "1-1", "-d", "sms,tsms,smss", CCL4)
