@@ -21,7 +21,7 @@ sed 's/^set terminal .*/set terminal other/' "$2" | {GNUPLOT} -d /dev/stdin
 # An input or option that is refused, and what is said.
 REFUSED = (
     ((CCL4,), r"into which file\? -o FILE.pdf, .eps, .svg, .png or .html says it"),
-    (("-o", "", CCL4), "into which file.*"),
+    (("-o", "", CCL4), r"into which file\? -o FILE.pdf, .eps, .svg, .png or .html says it"),
     (("-o", "a.gif", CCL4), "a.gif has none of the endings .pdf, .eps, .svg, .png and .html"),
     (("-o", ".pdf", CCL4), ".pdf has none of the endings .*"),
     (("--png", "a.png", CCL4), "--png makes no sense here: use -o FILE.png"),
