@@ -45,6 +45,13 @@ TEST_F(Tables, fill_the_store_to_the_last_bit) {
     }
 }
 
+TEST_F(Tables, of_layout_2_may_end_before_a_factor_is_there) {
+    const text_file_t file("GED curves.\n(over)\nSet: 2-1 \n");
+    said([&] { parse_kova_int_tables_ver2(file.name()); });
+    ASSERT_EQ(Ncurves, 1);
+    EXPECT_EQ(CurveScaleFactor[0], 1.0);
+}
+
 TEST_F(Tables, of_layout_1_that_are_not_there_leave_the_columns_alone) {
     Ncols = NcolsToPlot = 2;
     ColType[0] = PlotColType[0] = 7;

@@ -13,10 +13,10 @@ static constexpr std::size_t CHUNK_SIZE = 1 << 16;
 
 static const char* Name = nullptr;          // of the open file, for messages
 static int Descriptor = -1;                 // of the open file, -1 for none
-static bool AtFirstLine = false;            // nothing after it has been read yet
+static bool AtFirstLine;                    // nothing after it has been read yet
 static char Block[LINE_SIZE + CHUNK_SIZE];  // what was read last ...
-static std::size_t BlockSize = 0;           // ... how much that is ...
-static std::size_t BlockPos = 0;            // ... and where the next line begins in it
+static std::size_t BlockSize;               // ... how much that is ...
+static std::size_t BlockPos;                // ... and where the next line begins in it
 
 // Reads the next block: how much it is, 0 at the end of the file, -1 after an error. The pieces of
 // the first line stay in front of it, so that the line can be read once more.

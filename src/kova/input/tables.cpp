@@ -246,16 +246,12 @@ static void read_label_ver1(const char* inpstr) {
 static void read_factor_ver1(const char* inpstr) {
     char inpstrwork[LINE_SIZE];
     std::strcpy(inpstrwork, inpstr);
-    int idx = 0;
-    int i = 0;
-    for (; inpstrwork[i] != '\0' && !(inpstrwork[i] == ' ' && idx > 0); i++) {
-        if (inpstrwork[i] == '=')
-            idx = i;
-    }
-    if (inpstrwork[i] == '\0')
+    char* equals = std::strchr(inpstrwork + 1, '=');
+    char* blank = equals == nullptr ? nullptr : std::strchr(equals, ' ');
+    if (blank == nullptr)
         return;
-    inpstrwork[i] = '\0';
-    const char* text = inpstrwork + idx + 1;
+    *blank = '\0';
+    const char* text = std::strrchr(equals, '=') + 1;
     char* endptr;
     errno = 0;
     ScaleFactor = std::strtod(text, &endptr);

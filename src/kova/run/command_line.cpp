@@ -12,7 +12,7 @@
 
 // popt may go on without the memory that it asked for: without an argument, or with a piece left
 // out of its texts. Only errno tells, so its calls stand between these two.
-static bool InPopt = false;
+static bool InPopt;
 
 static void enter_popt() {
     InPopt = true;

@@ -129,12 +129,10 @@ static FILE* start_with_terminal() {
         fail(stderr, "Cannot allocate memory\n");
     // GCOV_EXCL_STOP
     FILE* pipe = start_either_way();
-    const int error = errno;
     if (was_empty)
         setenv("GNUTERM", "", 1);
     else
         unsetenv("GNUTERM");
-    errno = error;
     return pipe;
 }
 
