@@ -4,10 +4,10 @@
 
 #include "input/input.h"
 
-int Ncols = 0;
+int Ncols;
 int ColType[MAX_COLS];
 int TypePos[MAX_COLS];
-int NcolsToPlot = 0;
+int NcolsToPlot;
 int PlotColType[MAX_COLS];
 int PlotTypePos[MAX_COLS];
 

@@ -35,7 +35,7 @@ struct envelope_t {
 
 static envelope_t* Envelopes = nullptr;
 static int Nenvelopes = 0;
-static bool AllRise = true;  // every buffered curve's abscissae rise strictly
+static bool AllRise;  // every buffered curve's abscissae rise strictly
 
 static void release_envelopes() {
     for (int i = 0; i < Nenvelopes; i++) {
