@@ -20,14 +20,14 @@ static const format_t Formats[] = {
     {".html", "</svg>", 0.75, 1.826, 1.45},
 };
 
-look_t Look = {nullptr, 17.0, 11.0, 8.0, 600, 0, {}};
+figure_t Figure = {nullptr, 17.0, 11.0, 8.0, 600, 0, {}};
 
 static char* Output = nullptr;
 static int Force = 0;
 static char *Size, *Name;  // as popt stores them
 
 bool is_format(const char* ending) {
-    return std::strcmp(Look.format->ending, ending) == 0;
+    return std::strcmp(Figure.format->ending, ending) == 0;
 }
 
 // ---- The command line --------------------------------------------------------------------------
@@ -44,11 +44,11 @@ static const poptOption Options[] = {
      "Overwrite files that exist", nullptr},
     {"size", 's', POPT_ARG_STRING, &Size, OPT_SIZE,
      "Width and height of the figure in cm", "WIDTHxHEIGHT"},
-    {"points", 'p', POPT_ARG_DOUBLE, &Look.letters, 0,
+    {"points", 'p', POPT_ARG_DOUBLE, &Figure.letters, 0,
      "Size of the letters in points", "POINTS"},
-    {"dpi", '\0', POPT_ARG_INT, &Look.dpi, 0,
+    {"dpi", '\0', POPT_ARG_INT, &Figure.dpi, 0,
      "Resolution of a PNG in pixels an inch", "DPI"},
-    {"grey", 'g', POPT_ARG_NONE, &Look.grey, 0,
+    {"grey", 'g', POPT_ARG_NONE, &Figure.grey, 0,
      "Use shades of grey instead of colours", nullptr},
     {"name", 'n', POPT_ARG_STRING, &Name, OPT_NAME,
      "Name of a data set in the legend", "N-M=TEXT"},
@@ -68,9 +68,9 @@ static const refused_option_t Refused[] = {
 
 static bool read_size() {
     int length = 0;
-    if (std::sscanf(Size, "%lfx%lf%n", &Look.width, &Look.height, &length) == 2 &&
-        Size[length] == '\0' && Look.width >= 1 && Look.width <= 200 && Look.height >= 1 &&
-        Look.height <= 200)
+    if (std::sscanf(Size, "%lfx%lf%n", &Figure.width, &Figure.height, &length) == 2 &&
+        Size[length] == '\0' && Figure.width >= 1 && Figure.width <= 200 && Figure.height >= 1 &&
+        Figure.height <= 200)
         return true;
     complain("the size is WIDTHxHEIGHT in cm, each from 1 to 200, as in 17x11; not '%s'\n", Size);
     return false;
@@ -116,7 +116,7 @@ static bool read_name() {
         complain("the name of %s is no text in UTF-8 on one line\n", set.c_str());
         return false;
     }
-    Look.names.push_back(name);
+    Figure.names.push_back(name);
     return true;
 }
 
@@ -134,9 +134,9 @@ static void find_format() {
     for (const format_t& format : Formats) {
         const std::size_t ending = std::strlen(format.ending);
         if (length > ending && strcasecmp(Output + length - ending, format.ending) == 0)
-            Look.format = &format;
+            Figure.format = &format;
     }
-    if (Look.format == nullptr)
+    if (Figure.format == nullptr)
         fail(stderr, "%s has none of the endings .pdf, .eps, .svg, .png and .html\n", Output);
 }
 
@@ -146,8 +146,8 @@ static void check_numbers() {
         const char* option;
         double value, least, most;
     } numbers[] = {
-        {"points", Look.letters, 1, 200},
-        {"dpi", static_cast<double>(Look.dpi), 10, 10000},
+        {"points", Figure.letters, 1, 200},
+        {"dpi", static_cast<double>(Figure.dpi), 10, 10000},
         {"lw", LineWidthFactor, 0, 1000},
         {"elw", ErrLineWidthFactor, 0, 1000},
         {"psf", PointSizeFactor, 0, 1000},
@@ -161,7 +161,7 @@ static void check_numbers() {
             fail(stderr, "--%s is a number from %g to %g\n", option, least, most);
     }
     const double most = 32767;  // of the library that draws for gnuplot
-    const double pixels = std::max(Look.width, Look.height) / 2.54 * Look.dpi;
+    const double pixels = std::max(Figure.width, Figure.height) / 2.54 * Figure.dpi;
     if (is_format(".png") && pixels > most)
         fail(stderr, "a PNG has at most %g pixels a side: use a lower --dpi\n", most);
 }
@@ -170,9 +170,9 @@ static void check_numbers() {
 
 static void require_drawable(const char* inpFname) {
     require_equal_columns(inpFname);
-    for (const set_name_t& name : Look.names)
+    for (const set_name_t& name : Figure.names)
         require_set(name.Nd, name.Nc);
-    require_series(inpFname);
+    prepare_plots(inpFname);
 }
 
 // ---- Pages -------------------------------------------------------------------------------------
@@ -183,7 +183,7 @@ static bool is_named(const set_name_t& name, int c) {
 
 static entry_t entry_of(int c, int j) {
     std::string set = std::to_string(CurveNd[c]) + "-" + std::to_string(CurveNc[c]);
-    for (const set_name_t& name : Look.names) {
+    for (const set_name_t& name : Figure.names) {
         if (is_named(name, c))
             set = name.text;
     }
@@ -232,7 +232,7 @@ static void set_y_range(plot_t plot, ranges_t* ranges) {
 static panel_t panel_of(plot_t plot) {
     panel_t panel = {};
     panel.plot = plot;
-    panel.ranges = ranges_of(plot);
+    panel.ranges = plot_ranges(plot);
     set_y_range(plot, &panel.ranges);
     widen("s", &panel.ranges.xmin, &panel.ranges.xmax);
     widen("y", &panel.ranges.ymin, &panel.ranges.ymax);

@@ -25,7 +25,7 @@ struct set_name_t {
     std::string text;
 };
 
-struct look_t {
+struct figure_t {
     const format_t* format;
     double width, height;  // of the page, in cm
     double letters;        // size of the letters
@@ -33,7 +33,7 @@ struct look_t {
     int grey;  // flag
     std::vector<set_name_t> names;
 };
-extern look_t Look;
+extern figure_t Figure;
 
 bool is_format(const char* ending);
 

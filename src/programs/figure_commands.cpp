@@ -30,32 +30,32 @@ static bool is(const char* ending) {
 static double svg_unit(const page_t& page) {
     if (is(".html"))
         return page.columns * page.panel_width / 1000;
-    return Look.letters / 6.25;
+    return Figure.letters / 6.25;
 }
 
 static double point_size(const page_t& page) {
     if (is(".html"))
-        return RADIUS / (0.375 * Look.letters);
+        return RADIUS / (0.375 * Figure.letters);
     return is(".svg") ? CIRCLE / svg_unit(page) : 1.0;
 }
 
 static void write_cairo_terminal() {
     // A quarter of a point more than whole points: gnuplot cuts the size to these.
-    const double width = std::floor(Look.width / 2.54 * 72 + 0.5) + 0.25;
-    const double height = std::floor(Look.height / 2.54 * 72 + 0.5) + 0.25;
+    const double width = std::floor(Figure.width / 2.54 * 72 + 0.5) + 0.25;
+    const double height = std::floor(Figure.height / 2.54 * 72 + 0.5) + 0.25;
     std::fprintf(f, "set terminal %scairo enhanced color font 'Arial,%g' ",
-                 Look.format->ending + 1, Look.letters);
+                 Figure.format->ending + 1, Figure.letters);
     std::fprintf(f, "fontscale 0.75 linewidth %d pointscale %.6f size %.4fin,%.4fin\n",
                  is(".pdf") ? 2 : 4, RADIUS / 3, width / 72, height / 72);
 }
 
 static void write_png_terminal() {
-    const double scale = Look.dpi / 72.0;
-    std::fprintf(f, "set terminal pngcairo enhanced color font 'Arial,%g' ", Look.letters);
+    const double scale = Figure.dpi / 72.0;
+    std::fprintf(f, "set terminal pngcairo enhanced color font 'Arial,%g' ", Figure.letters);
     std::fprintf(f, "fontscale %.6f linewidth %.6f pointscale %.6f size %.0f,%.0f\n",
-                 Look.dpi / 96.0, scale, scale * RADIUS / 3,
-                 std::floor(Look.width / 2.54 * Look.dpi + 0.5),
-                 std::floor(Look.height / 2.54 * Look.dpi + 0.5));
+                 Figure.dpi / 96.0, scale, scale * RADIUS / 3,
+                 std::floor(Figure.width / 2.54 * Figure.dpi + 0.5),
+                 std::floor(Figure.height / 2.54 * Figure.dpi + 0.5));
 }
 
 static void write_svg_terminal(const page_t& page, int panel) {
@@ -70,7 +70,7 @@ static void write_svg_terminal(const page_t& page, int panel) {
     }
     std::fprintf(f,
                  "enhanced background 'white' font 'Arial,%.5g' linewidth %.5f size %.0f,%.0f\n",
-                 Look.letters / unit, 1 / unit, std::floor(width / unit + 0.5),
+                 Figure.letters / unit, 1 / unit, std::floor(width / unit + 0.5),
                  std::floor(height / unit + 0.5));
 }
 
@@ -84,24 +84,6 @@ static void write_terminal(const page_t& page, int panel) {
 }
 
 // ---- The data ----------------------------------------------------------------------------------
-
-// Visits the curves of the plot that are shown, in drawing order.
-template <class visitor_t>
-static void for_each_curve(plot_t plot, visitor_t visit) {
-    for_each_series(plot, [&](int c, int j) {
-        if (deviation_of(PlotColType[j]) != DEV_HIDDEN)
-            visit(c, j);
-    });
-}
-
-static bool has_band(int j) {
-    const deviation_t deviation = deviation_of(PlotColType[j]);
-    return deviation == DEV_BAND || deviation == DEV_LEVEL_BAND;
-}
-
-static bool has_bars(int j) {
-    return deviation_of(PlotColType[j]) == DEV_BARS;
-}
 
 // The rows of [first, last) that a line through one column of pixels needs: where it comes in and
 // goes out, and how far up and down it gets in between.
@@ -119,7 +101,7 @@ static void keep_extremes(const double* y, int first, int last, std::vector<int>
 static std::vector<int> rows_to_draw(const panel_t& panel, int c, int j) {
     const double* x = Curve[c][0];
     const double* y = Curve[c][j];
-    const double pixels = (panel.x1 - panel.x0) / 72 * Look.dpi;
+    const double pixels = (panel.x1 - panel.x0) / 72 * Figure.dpi;
     const double scale = pixels / (panel.ranges.xmax - panel.ranges.xmin);
     std::vector<int> kept;
     for (int first = 0, last; first < Npts[c]; first = last) {
@@ -151,7 +133,7 @@ static void write_thin_block(const panel_t& panel, int c, int j) {
 }
 
 static void write_data(const panel_t& panel) {
-    for_each_curve(panel.plot, [&](int c, int j) {
+    for_each_series(panel.plot, [&](int c, int j) {
         const deviation_t deviation = deviation_of(PlotColType[j]);
         if (deviation != DEV_NONE)
             write_deviation_block(c, j, deviation);
@@ -190,14 +172,14 @@ static double screen_y(const place_t& place, double y) {
     return (place.y + y) / place.height;
 }
 
-static void write_frame(const panel_t& panel, const place_t& place) {
+static void write_frame(const panel_t& panel, const ranges_t& ranges, const place_t& place) {
     std::fprintf(f, "set border 15 linewidth %g\n", FRAME);
     std::fprintf(f, "set lmargin at screen %.5f\nset rmargin at screen %.5f\n",
                  screen_x(place, panel.x0), screen_x(place, panel.x1));
     std::fprintf(f, "set bmargin at screen %.5f\nset tmargin at screen %.5f\n",
                  screen_y(place, panel.y0), screen_y(place, panel.y1));
-    std::fprintf(f, "set xrange [%.9g : %.9g]\nset yrange [%.9g : %.9g]\n", panel.ranges.xmin,
-                 panel.ranges.xmax, panel.ranges.ymin, panel.ranges.ymax);
+    std::fprintf(f, "set xrange [%.9g : %.9g]\nset yrange [%.9g : %.9g]\n", ranges.xmin,
+                 ranges.xmax, ranges.ymin, ranges.ymax);
     if (PlotGrid)
         std::fprintf(f,
                      "set grid back linetype 1 linewidth %g linecolor rgb '#BBBBBB' "
@@ -207,11 +189,11 @@ static void write_frame(const panel_t& panel, const place_t& place) {
 
 // "%g" because gnuplot's own format has a blank in front, which moves the number to the right.
 static void write_tics(const panel_t& panel, const place_t& place, bool numbers) {
-    const double scale = TIC / Look.format->tic;
+    const double scale = TIC / Figure.format->tic;
     std::fprintf(f, "set format x '%%g'\n");
     std::fprintf(f, "set xtics %s %g scale %.4f offset 0, screen %.5f\n",
                  PlotX2tics ? "mirror" : "nomirror", panel.xstep, PlotXtics ? scale : 0.0,
-                 (Look.format->number_depth - NUMBER_DEPTH) * Look.letters / place.height);
+                 (Figure.format->number_depth - NUMBER_DEPTH) * Figure.letters / place.height);
     const char* mirror = PlotY2tics ? "mirror" : "nomirror";
     if (numbers)
         std::fprintf(f, "set format y '%%g'\nset ytics %s %g scale %.4f\n", mirror, panel.ystep,
@@ -230,7 +212,7 @@ static std::string typeset(std::string text) {
 }
 
 static void write_labels(const panel_t& panel, const place_t& place) {
-    const double em = Look.letters;
+    const double em = Figure.letters;
     std::fprintf(f, "unset label\n");
     std::fprintf(f, "set label '{/:Italic s}, Å^{-1}' at screen %.5f, screen %.5f center\n",
                  screen_x(place, (panel.x0 + panel.x1) / 2),
@@ -253,17 +235,16 @@ static unsigned paler(unsigned byte, double part) {
 // knows no such thing, and other formats would show the bands in other colours.
 static void print_color(char (&to)[8], int r, double part) {
     unsigned rgb = 0;
-    if (std::sscanf(Type[r].style_color, "#%6x", &rgb) == 1 && Look.grey)
+    if (std::sscanf(Type[r].style_color, "#%6x", &rgb) == 1 && Figure.grey)
         rgb = 0x707070;
     std::snprintf(to, sizeof to, "#%02X%02X%02X", paler(rgb >> 16 & 255, part),
                   paler(rgb >> 8 & 255, part), paler(rgb & 255, part));
 }
 
-// Bands are drawn before all curves, lest they cover any. In shades of grey they are paler, so
-// that a grey line is seen on them.
+// In shades of grey bands are paler, so that a grey line is seen on them.
 static void write_band(int c, int j) {
     char color[8];
-    print_color(color, d_idx(PlotColType[j]), Look.grey ? ErrFillAlpha / 2 : ErrFillAlpha);
+    print_color(color, d_idx(PlotColType[j]), Figure.grey ? ErrFillAlpha / 2 : ErrFillAlpha);
     std::fprintf(f,
                  "%s using 1:2:3 notitle with filledcurves fillstyle solid 1 noborder "
                  "fillcolor rgb '%s'",
@@ -309,60 +290,71 @@ static void write_curve(const panel_t& panel, const page_t& page, const place_t&
     std::fprintf(f, " lc rgb '%s'", color);
 }
 
-// Bands, then curves, each behind its bars. Returns the positions of what belongs together.
-static std::vector<part_t> write_plot(const page_t& page, const panel_t& panel, int number) {
-    const place_t place = place_of(page, number);
-    std::vector<part_t> parts;
-    std::size_t bands = 0;
-    int position = 0;
-    const auto begin_series = [&position]() {
-        std::fprintf(f, position++ == 0 ? "plot " : ", \\\n     ");
-    };
-    for_each_curve(panel.plot, [&](int c, int j) {
-        if (!has_band(j))
-            return;
-        begin_series();
-        write_band(c, j);
-        parts.push_back({number, 0, position});
-    });
-    for_each_curve(panel.plot, [&](int c, int j) {
-        if (has_bars(j)) {
-            begin_series();
-            write_bars(c, j);
-            parts.push_back({number, position + 1, position});
-        }
-        begin_series();
-        write_curve(panel, page, place, c, j);
-        if (has_band(j))
-            parts[bands++].curve = position;
-    });
-    std::fprintf(f, "\n");
-    return parts;
+// ---- The look ----------------------------------------------------------------------------------
+
+// What is being written: a panel, and the position of a series in its plot command. Of the parts,
+// those from Waiting on are bands that wait for their curves.
+static const page_t* Page;
+static const panel_t* Panel;
+static int PanelNumber, Position;
+static std::vector<part_t> Parts;
+static std::size_t Waiting;
+
+static void write_panel_settings(plot_t, const ranges_t& ranges) {
+    const place_t place = place_of(*Page, PanelNumber);
+    write_frame(*Panel, ranges, place);
+    write_tics(*Panel, place, Page->numbers);
+    write_labels(*Panel, place);
+    std::fprintf(f,
+                 "set key Left reverse samplen %g noenhanced\n"
+                 "set bars %.4g\nset pointintervalbox 0.01\n",
+                 Figure.format->sample, CAP / Figure.format->tic);
 }
+
+static void write_panel_deviations(int c, int j) {
+    Position++;
+    if (has_band(j)) {
+        write_band(c, j);
+        Parts.push_back({PanelNumber, 0, Position});
+    } else {
+        write_bars(c, j);
+        Parts.push_back({PanelNumber, Position + 1, Position});
+    }
+}
+
+static void write_panel_curve(int c, int j) {
+    Position++;
+    write_curve(*Panel, *Page, place_of(*Page, PanelNumber), c, j);
+    if (has_band(j))
+        Parts[Waiting++].curve = Position;
+}
+
+// All bands are drawn before all curves, lest they cover any.
+static const look_t FigureLook = {write_panel_settings, write_panel_deviations, write_panel_curve,
+                                  true};
+
+// ---- All of it ---------------------------------------------------------------------------------
 
 std::vector<part_t> write_commands(const page_t& page) {
     const bool multiplot = page.panels.size() > 1 && !is(".html");
-    std::vector<part_t> parts;
+    Look = &FigureLook;
+    Page = &page;
+    PanelNumber = 0;
+    Parts.clear();
     std::fprintf(f, "set encoding utf8\n");
-    int number = 0;
     for (const panel_t& panel : page.panels) {
+        Panel = &panel;
+        Position = 0;
+        Waiting = Parts.size();
         write_data(panel);
-        if (number++ == 0 || is(".html"))
-            write_terminal(page, number);
-        if (number == 1 && multiplot)
+        if (PanelNumber++ == 0 || is(".html"))
+            write_terminal(page, PanelNumber);
+        if (PanelNumber == 1 && multiplot)
             std::fprintf(f, "set multiplot\n");
-        const place_t place = place_of(page, number);
-        write_frame(panel, place);
-        write_tics(panel, place, page.numbers);
-        write_labels(panel, place);
-        std::fprintf(f,
-                     "set key Left reverse samplen %g noenhanced\n"
-                     "set bars %.4g\nset pointintervalbox 0.01\n",
-                     Look.format->sample, CAP / Look.format->tic);
-        const std::vector<part_t> added = write_plot(page, panel, number);
-        parts.insert(parts.end(), added.begin(), added.end());
+        Look->settings(panel.plot, panel.ranges);
+        write_plot_command(panel.plot);
     }
     if (multiplot)
         std::fprintf(f, "unset multiplot\n");
-    return parts;
+    return Parts;
 }

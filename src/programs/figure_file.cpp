@@ -20,7 +20,7 @@ static std::string content_of(FILE* file) {
 // gnuplot says nothing and ends with status 0 when the disk of its picture is full.
 static void require_whole(const std::string& picture) {
     const std::size_t size = picture.find_last_not_of(" \n") + 1;
-    if (!std::string_view(picture.data(), size).ends_with(Look.format->end))
+    if (!std::string_view(picture.data(), size).ends_with(Figure.format->end))
         fail(stderr,
              "gnuplot did not finish the picture: the disk of temporary files may be full\n");
 }
@@ -49,7 +49,7 @@ static std::string four_bytes(std::uint32_t number) {
 // has: a text processor shows the picture at its size.
 static void add_resolution(std::string* png) {
     const std::string pixels =
-        four_bytes(static_cast<std::uint32_t>(std::lround(Look.dpi / 0.0254)));
+        four_bytes(static_cast<std::uint32_t>(std::lround(Figure.dpi / 0.0254)));
     const std::string piece = "pHYs" + pixels + pixels + '\1';
     png->insert(33, four_bytes(9) + piece + four_bytes(checksum(piece)));
 }
@@ -61,7 +61,8 @@ static void set_svg_size(std::string* svg) {
     const std::size_t begin = svg->find("width=\"");
     const std::size_t end = svg->find("\n", begin);
     char size[100];
-    std::snprintf(size, sizeof size, "width=\"%gcm\" height=\"%gcm\"", Look.width, Look.height);
+    std::snprintf(size, sizeof size, "width=\"%gcm\" height=\"%gcm\"", Figure.width,
+                  Figure.height);
     if (end != std::string::npos)
         svg->replace(begin, end - begin, size);
 }

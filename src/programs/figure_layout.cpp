@@ -110,7 +110,7 @@ static double number_step(double low, double high, double length, bool beside) {
             if (span / step > 100)
                 continue;
             const double room = beside ? number_width(low, high, step, false) + 1.2 : 1.8;
-            if (step / span * length >= room * Look.letters)
+            if (step / span * length >= room * Figure.letters)
                 return step;
         }
         power *= 10;
@@ -122,7 +122,7 @@ static double overhang(const panel_t& panel) {
     const double low = panel.ranges.xmin, high = panel.ranges.xmax;
     const double last = std::floor(high / panel.xstep + 1e-9) * panel.xstep;
     const double inside = (high - last) / (high - low) * (panel.x1 - panel.x0);
-    return number_width(low, high, panel.xstep, true) / 2 * Look.letters - inside;
+    return number_width(low, high, panel.xstep, true) / 2 * Figure.letters - inside;
 }
 
 // ---- A panel -----------------------------------------------------------------------------------
@@ -143,7 +143,7 @@ static void place_entries(panel_t* panel, double panel_width, double width, int 
     const int rows = (count + columns - 1) / columns;
     if (down)
         columns = (count + rows - 1) / rows;
-    const double em = Look.letters;
+    const double em = Figure.letters;
     const double left = (panel_width - columns * width + BETWEEN * em) / 2;
     for (int i = 0; i < count; i++) {
         entry_t* entry = &panel->entries[static_cast<std::size_t>(i)];
@@ -158,7 +158,7 @@ static size_2d_t place_legend(panel_t* panel, double panel_width) {
     panel->entry_rows = 0;
     if (panel->entries.empty())
         return {};
-    const double em = Look.letters;
+    const double em = Figure.letters;
     double width = 0.0;
     for (const entry_t& entry : panel->entries)
         width = std::max(width, (SAMPLE + text_width(entry.text) + BETWEEN) * em);
@@ -181,8 +181,8 @@ static void break_label(panel_t* panel, double length) {
             std::find(known.begin(), known.end(), label) != known.end())
             return;
         known.push_back(label);
-        const double width = label_width(label) * Look.letters;
-        const double joined = used + text_width(", ") * Look.letters + width;
+        const double width = label_width(label) * Figure.letters;
+        const double joined = used + text_width(", ") * Figure.letters + width;
         if (panel->labels.empty() || joined > length) {
             panel->labels.push_back(label);
             used = width;
@@ -194,7 +194,7 @@ static void break_label(panel_t* panel, double length) {
 }
 
 static void set_margins(panel_t* panel, const page_t& page, const margins_t& least) {
-    const double em = Look.letters;
+    const double em = Figure.letters;
     const double legend = panel->entry_rows > 0 ? ENTRY * panel->entry_rows + 0.1 : 0.0;
     panel->bottom = BOTTOM * em;
     panel->right = std::max(RIGHT * em, least.right);
@@ -224,7 +224,8 @@ static size_2d_t place_frame(panel_t* panel, const page_t& page) {
     const double room_width = page.panel_width - panel->left - panel->right;
     const double room_height = page.panel_height - panel->top - panel->bottom;
     double width = room_width, height = room_height;
-    double least_width = LEAST_WIDTH * Look.letters, least_height = LEAST_HEIGHT * Look.letters;
+    double least_width = LEAST_WIDTH * Figure.letters,
+           least_height = LEAST_HEIGHT * Figure.letters;
     if (ratio > 0.0) {
         width = std::min(room_width, room_height / ratio);
         height = width * ratio;
@@ -264,7 +265,7 @@ static size_2d_t place_panels(page_t* page, margins_t* margins) {
         if (size.width != 0.0)
             continue;
         least.left = std::max(least.left, panel.left);
-        least.right = std::max(least.right, overhang(panel) + 0.2 * Look.letters);
+        least.right = std::max(least.right, overhang(panel) + 0.2 * Figure.letters);
         least.top = std::max(least.top, panel.top);
     }
     *margins = least;
@@ -291,7 +292,7 @@ static double tenths_up(double least, double value) {
 }
 
 void lay_out(page_t* page) {
-    const size_2d_t asked = {Look.width, Look.height};
+    const size_2d_t asked = {Figure.width, Figure.height};
     size_2d_t size = asked, needed;
     // What is wider or higher may need other margins, so that one look is not enough.
     while ((needed = try_size(page, size)).width != 0.0)

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "input/input.h"
-#include "numbers.h"
+#include "program.h"
 
 static const char* OutputName = nullptr;
 static int Overwrite = 0;

@@ -274,33 +274,74 @@ void require_equal_columns(const char* inpFname) {
     }
 }
 
-// ---- The plots ---------------------------------------------------------------------------------
-
-ranges_t ranges_of(plot_t plot) {
-    double xMin, xMax;
-    abscissa_extent(plot, &xMin, &xMax);
-    return plot_ranges(plot, xMin, xMax);
-}
-
-void shift_first(plot_t plot) {
-    if (AutoShifts && !AutoShiftsReady)
-        calc_shifts(plot);
-}
-
-bool has_series(plot_t plot) {
+void prepare_plots(const char* inpFname) {
     bool found = false;
-    for_each_series(
-        plot, [&](int, int j) { found = found || deviation_of(PlotColType[j]) != DEV_HIDDEN; });
-    return found;
-}
-
-void require_series(const char* inpFname) {
-    bool found = false;
-    for_each_plot([&](plot_t plot) { found = found || has_series(plot); });
+    for_each_plot([&found](plot_t plot) { found = found || has_series(plot); });
     for (int j = 1; j < NcolsToPlot; j++) {
         if (PlotColType[j] == P_GINT_R)
             fail(stderr, "R-values cannot be drawn: name the kinds of %s with --data\n", inpFname);
     }
     if (!found)
         fail(stderr, "nothing to draw in table %d of %s\n", TableN, inpFname);
+    if (AutoShifts)
+        calc_shifts({1, 1});
+}
+
+// ---- Numbers -----------------------------------------------------------------------------------
+
+static constexpr char DRAW[] = "gravlex and gravlex-figure draw, this program writes numbers";
+static constexpr char WHOLE[] = "whole curves are written";
+static constexpr char UNSHIFTED[] = "curves are written without shifts";
+static constexpr char COPIED[] = "numbers are copied; give it to gravlex with the joined file";
+
+const refused_option_t ChangingOptions[] = {
+    {"bglp1", COPIED},
+    {"smsef", COPIED},
+    {"png", DRAW},
+    {"eps", DRAW},
+    {"svg", DRAW},
+    {"imgw", DRAW},
+    {"imgl", DRAW},
+    {"grid", DRAW},
+    {"legend", DRAW},
+    {"no-xtics", DRAW},
+    {"ytics", DRAW},
+    {"x2tics", DRAW},
+    {"y2tics", DRAW},
+    {"ratio", DRAW},
+    {"term", DRAW},
+    {"no-multiplot", DRAW},
+    {"no-autoshifts", UNSHIFTED},
+    {"shiftmult", UNSHIFTED},
+    {"lw", DRAW},
+    {"elw", DRAW},
+    {"psf", DRAW},
+    {"efa", DRAW},
+    {"dcombine", "use --dread"},
+    {"ccombine", "use --cread"},
+    {"smserrbars", "use --dread with smss"},
+    {"dsmserrbars", "use --dread with smss"},
+    {"smserrfill", "use --dread with smss"},
+    {"dsmserrfill", "use --dread with smss"},
+    {"dsmslerrfill", "use --dread with smss"},
+    {"style_sms", DRAW},
+    {"ptype_sms", DRAW},
+    {"xmin", WHOLE},
+    {"xmax", WHOLE},
+    {nullptr, nullptr},
+};
+const refused_option_t* const DrawingOptions = ChangingOptions + 2;
+
+const char* column_word(int kind) {
+    if (kind == P_GINT_S)
+        return "s";
+    return kind == P_GINT_R ? "r" : kind_word(kind);
+}
+
+int column_of(const set_t& set, int kind) {
+    for (int j = 0; j < set.NcolsToPlot; j++) {
+        if (set.PlotColType[j] == kind)
+            return j;
+    }
+    return -1;
 }

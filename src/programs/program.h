@@ -61,33 +61,23 @@ void require_set(int Nd, int Nc);
 // could not be right for all of them.
 void require_equal_columns(const char* inpFname);
 
-// ---- The plots ---------------------------------------------------------------------------------
+// Stacks the curves. Before that ends the run with a sentence if no plot has anything to draw, or
+// one has what has no style.
+void prepare_plots(const char* inpFname);
 
-// Computes the shifts if that is the first plot.
-void shift_first(plot_t plot);
+// ---- Numbers -----------------------------------------------------------------------------------
+// For programs that write these instead of drawing them.
 
-// Visits every plot of the page, or, without one, every plot in turn, in the order of gravlex: g
-// major.
-template <class visitor_t>
-void for_each_plot(visitor_t visit) {
-    for (int g = 1; g <= CurveGroupsToPlot; g++) {
-        for (int h = 1; h <= ColGroupsToPlot; h++) {
-            const plot_t plot = {g, h};
-            shift_first(plot);
-            visit(plot);
-        }
-    }
-}
+// Options of gravlex that only matter to a drawing, up to a null name. From ChangingOptions on,
+// the same behind those that change numbers.
+extern const refused_option_t ChangingOptions[];
+extern const refused_option_t* const DrawingOptions;
 
-// Ends the run with a sentence if no plot has anything to draw, or one has what has no style.
-void require_series(const char* inpFname);
+// The word of a kind in a list, s and r for those that have none there.
+const char* column_word(int kind);
 
-// The ranges of a plot of that page.
-ranges_t ranges_of(plot_t plot);
-
-// False for a plot whose columns are all shown with others or not there: gnuplot refuses an empty
-// plot command.
-bool has_series(plot_t plot);
+// The plot column of the kind; -1 if the set has none.
+int column_of(const set_t& set, int kind);
 
 // ---- Files that are written --------------------------------------------------------------------
 

@@ -106,7 +106,7 @@ static void write_comment(const char* name) {
 // ---- The plots ---------------------------------------------------------------------------------
 
 static void write_plot(plot_t plot) {
-    write_settings(plot, ranges_of(plot));
+    Look->settings(plot, plot_ranges(plot));
     if (has_series(plot))
         write_plot_command(plot);
 }
@@ -190,7 +190,7 @@ int main(int argc, char** argv) {
     InputName = only_input(start_program(argc, argv, Script));
     read_input(InputName);
     require_equal_columns(InputName);
-    require_series(InputName);
+    prepare_plots(InputName);
     Terminal = UserTerminal ? UserTerminalName : nullptr;
     UserTerminal = 0;
     NamedBlocks = 1;

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "input/input.h"
-#include "numbers.h"
+#include "table.h"
 
 static const char* OutputName = nullptr;
 static int Overwrite = 0;

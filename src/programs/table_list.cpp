@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "input/input.h"
-#include "numbers.h"
+#include "table.h"
 
 // How a process ends that did not find its table: the file has no more, or cannot be listed.
 static constexpr int NO_SUCH_TABLE = 2;

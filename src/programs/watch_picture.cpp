@@ -24,15 +24,19 @@ static bool widen(double* from, double* to) {
 static bool find_ranges(plot_t plot, ranges_t* ranges) {
     if (!has_series(plot))
         return false;
-    *ranges = ranges_of(plot);
+    *ranges = plot_ranges(plot);
     return widen(&ranges->xmin, &ranges->xmax) && widen(&ranges->ymin, &ranges->ymax);
 }
 
 // All that is written is ASCII. Where a font for another encoding is missing, the x11 terminal
 // takes that for a closed window.
-static void write_plot(plot_t plot, const ranges_t& ranges) {
-    write_settings(plot, ranges);
+static void write_settings(plot_t plot, const ranges_t& ranges) {
+    GravlexLook.settings(plot, ranges);
     std::fprintf(f, "set encoding default\n");
+}
+
+static void write_plot(plot_t plot, const ranges_t& ranges) {
+    Look->settings(plot, ranges);
     write_plot_command(plot);
 }
 
@@ -42,10 +46,8 @@ static void write_single_plot(plot_t plot) {
     ranges_t ranges = {};
     find_ranges(plot, &ranges);
     std::fprintf(f, "w_new = '");
-    for_each_series(plot, [](int c, int j) {
-        if (deviation_of(PlotColType[j]) != DEV_HIDDEN)
-            std::fprintf(f, "%s ", block_name(c, j, false).text);
-    });
+    for_each_series(plot,
+                    [](int c, int j) { std::fprintf(f, "%s ", block_name(c, j, false).text); });
     std::fprintf(f,
                  "'\nif (exists('w_series') && w_series eq w_new && "
                  "(GPVAL_X_MIN != w_x0 || GPVAL_X_MAX != w_x1 || "
@@ -90,10 +92,12 @@ static void write_all_data(const char* name) {
 void write_picture(const char* name, FILE* commands, int number) {
     f = commands;
     NamedBlocks = 1;
+    static const look_t look = {write_settings, GravlexLook.deviations, GravlexLook.curve, false};
+    Look = &look;
     UserTerminal = 0;  // set once, at the start
     read_input(name);
     require_equal_columns(name);
-    require_series(name);
+    prepare_plots(name);
     // gnuplot has loaded what was there before.
     const int uncut = ftruncate(fileno(f), 0);
     lseek(fileno(f), 0, SEEK_SET);

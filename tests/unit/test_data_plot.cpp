@@ -83,7 +83,7 @@ TEST_F(DataPlot, a_kind_that_stands_twice_is_named_once) {
     set_plot_columns({P_GINT_S, P_GINT_SEC, P_GINT_SEC, P_GINT_IAT});
     combine_all();
     EXPECT_TRUE(contains(sent([] {
-                             write_settings({1, 1}, plot_ranges({1, 1}, 0.0, 2.0));
+                             Look->settings({1, 1}, plot_ranges({1, 1}));
                          }),
                          "\nset ylabel \"Sec., Iat.\" \n"));
 }

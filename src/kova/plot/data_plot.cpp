@@ -8,12 +8,10 @@ static bool is_drawn(plot_t plot) {
 }
 
 static void draw(plot_t plot, int give_commands) {
-    double xMin, xMax;
-    abscissa_extent(plot, &xMin, &xMax);
     if (AutoShifts && !AutoShiftsReady)
         calc_shifts(plot);
     if (give_commands) {
-        write_settings(plot, plot_ranges(plot, xMin, xMax));
+        Look->settings(plot, plot_ranges(plot));
         write_plot_command(plot);
     }
     write_data_blocks(plot);
@@ -22,11 +20,9 @@ static void draw(plot_t plot, int give_commands) {
 int data_plot(int give_commands) {
     say("%d Curve groups to plot.\n", CurveGroupsToPlot);
     say("%d Data  groups to plot.\n", ColGroupsToPlot);
-    for (int g = 1; g <= CurveGroupsToPlot; g++) {
-        for (int h = 1; h <= ColGroupsToPlot; h++) {
-            if (is_drawn({g, h}))
-                draw({g, h}, give_commands);
-        }
-    }
+    for_each_plot([give_commands](plot_t plot) {
+        if (is_drawn(plot))
+            draw(plot, give_commands);
+    });
     return 0;
 }

@@ -20,6 +20,15 @@ struct plot_t {
     int h;  // its columns are the plot columns j >= 1 with ColPlotGroup[j] equal to h
 };
 
+// Visits the plots of a page, or each in turn, in the order in which they are drawn: visit(plot).
+template <class visitor_t>
+void for_each_plot(visitor_t visit) {
+    for (int g = 1; g <= CurveGroupsToPlot; g++) {
+        for (int h = 1; h <= ColGroupsToPlot; h++)
+            visit(plot_t{g, h});
+    }
+}
+
 // Column 0, the abscissa, is in no plot.
 bool curve_is_in(int c, plot_t plot);
 bool column_is_in(int j, plot_t plot);
@@ -86,13 +95,7 @@ extern int AutoShiftsReady;  // flag: the shifts of this run are final; set by c
 // Computes CurveShift for the curves of a plot and tells about it on standard output.
 void calc_shifts(plot_t plot);
 
-// ---- Settings (settings.cpp) -------------------------------------------------------------------
-
-// The range of y in the plot written last; set by write_settings.
-extern double YrangeMin, YrangeMax;
-
-// The first and last s of the curves of a plot, 1e99 and -1e99 if there are none.
-void abscissa_extent(plot_t plot, double* xMin, double* xMax);
+// ---- Ranges (ranges.cpp) -----------------------------------------------------------------------
 
 // The axes of a plot: from what data and options ask for, in data units.
 struct ranges_t {
@@ -100,14 +103,10 @@ struct ranges_t {
     double ymin, ymax;
 };
 
-// The ranges of a plot; xMin and xMax are the extent above.
-ranges_t plot_ranges(plot_t plot, double xMin, double xMax);
+// The range of y in the plot looked at last; set by plot_ranges.
+extern double YrangeMin, YrangeMax;
 
-// Sends the commands that stand before the plot command.
-void write_settings(plot_t plot, const ranges_t& ranges);
-
-// The part of them that sets the axes. Prints the x range on standard output.
-void write_ranges(const ranges_t& ranges);
+ranges_t plot_ranges(plot_t plot);
 
 // ---- Series (series.cpp) -----------------------------------------------------------------------
 
@@ -122,18 +121,26 @@ enum deviation_t {
 
 deviation_t deviation_of(int kind);
 
-// Visits the columns of the plot in drawing order: curve by curve, but experimental sM(s) after
-// all others, so that its points lie on top of the lines. Whoever writes a part of a plot walks
-// this way: gnuplot matches inline data and series by their order alone.
+// True if the series of the plot column has bars, or a band of either sort.
+bool has_bars(int j);
+bool has_band(int j);
+
+// Visits the series of the plot, each a column of a curve, in drawing order: curve by curve, but
+// experimental sM(s) after all others, so that its points lie on top of the lines. Whoever writes
+// a part of a plot walks this way: gnuplot matches inline data and series by their order alone.
 template <class visitor_t>
 void for_each_series(plot_t plot, visitor_t visit) {
     for (const bool experimental : {false, true}) {
         for_each_column(plot, [&](int c, int j) {
-            if ((PlotColType[j] == P_GINT_SMS) == experimental)
+            if ((PlotColType[j] == P_GINT_SMS) == experimental &&
+                deviation_of(PlotColType[j]) != DEV_HIDDEN)
                 visit(c, j);
         });
     }
 }
+
+// False for a plot of nothing but deviations that are shown with other curves.
+bool has_series(plot_t plot);
 
 // Flag: the data of a series are a block with a name, $sms_1_1, that is written before the plot
 // command. Off in gravlex: they follow it, and '-' stands for them.
@@ -157,6 +164,25 @@ void write_data_blocks(plot_t plot);
 // flush_rows.
 void write_deviation_block(int c, int j, deviation_t deviation);
 void write_curve_block(int c, int j);
+
+// ---- The look (look.cpp) -----------------------------------------------------------------------
+
+// How a plot looks, in gnuplot's words. Each function writes to f.
+struct look_t {
+    // The commands in front of the plot command: encoding, fonts, labels, tics, axes, margins.
+    void (*settings)(plot_t plot, const ranges_t& ranges);
+    // A series in the plot command: the bars or the band of a curve, and the curve itself; their
+    // names, styles, widths and colours.
+    void (*deviations)(int c, int j);
+    void (*curve)(int c, int j);
+    bool bands_first;  // all bands stand before, and so behind, all curves; else before their own
+};
+
+// gravlex's own, which tells the range of x on standard output.
+extern const look_t GravlexLook;
+
+// The one in use: gravlex's own unless a further program brings another.
+extern const look_t* Look;
 
 // ---- Rows of data (rows.cpp) -------------------------------------------------------------------
 

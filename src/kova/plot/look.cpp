@@ -1,41 +1,11 @@
 // SPDX-License-Identifier: MIT
+//
+// gravlex's own look: on the screen, and in an image of so many pixels.
 #include <cstring>
 
 #include "plot/plot.h"
 
-double YrangeMin = 0.0, YrangeMax = 0.0;
-
-// Each range leaves this part of the data's extent free at both ends.
-static constexpr double MARGIN = 0.05;
-
-void abscissa_extent(plot_t plot, double* xMin, double* xMax) {
-    *xMin = 1e99;
-    *xMax = -1e99;
-    for (int c = 0; c < Ncurves; c++) {
-        if (!curve_is_in(c, plot))
-            continue;
-        const double first = Curve[c][0][0];
-        const double last = Curve[c][0][Npts[c] - 1];
-        if (first < *xMin)
-            *xMin = first;
-        if (last > *xMax)
-            *xMax = last;
-    }
-}
-
-static void ordinate_extent(plot_t plot, double* ymin, double* ymax) {
-    *ymin = 1e99;
-    *ymax = -1e99;
-    for_each_column(plot, [=](int c, int j) {
-        for (int k = 0; k < column_points(c, j); k++) {
-            const double y = Curve[c][j][k] + CurveShift[c][j];
-            if (y > *ymax)
-                *ymax = y;
-            if (y < *ymin)
-                *ymin = y;
-        }
-    });
-}
+// ---- Settings ----------------------------------------------------------------------------------
 
 // Font size of an image: SVG viewers scale the picture down, so it needs larger letters.
 static int font_size() {
@@ -70,16 +40,7 @@ static void write_tics() {
         std::fprintf(f, "set ytics scale 0\n");
 }
 
-ranges_t plot_ranges(plot_t plot, double xMin, double xMax) {
-    double ymin, ymax;
-    ordinate_extent(plot, &ymin, &ymax);
-    YrangeMin = ymin - MARGIN * (ymax - ymin);
-    YrangeMax = ymax + MARGIN * (ymax - ymin);
-    return {Gxmin > GX_NOT_GIVEN ? Gxmin : xMin - MARGIN * (xMax - xMin),
-            Gxmax > GX_NOT_GIVEN ? Gxmax : xMax + MARGIN * (xMax - xMin), YrangeMin, YrangeMax};
-}
-
-void write_ranges(const ranges_t& ranges) {
+static void write_ranges(const ranges_t& ranges) {
     say("xmin=%f\nxmax=%f\n", ranges.xmin, ranges.xmax);
     std::fprintf(f, "set xrange [%f : %f]\n", ranges.xmin, ranges.xmax);
     std::fprintf(f, "set yrange [%f : %f]\n", ranges.ymin, ranges.ymax);
@@ -123,7 +84,7 @@ static void write_ylabel(plot_t plot) {
     std::fprintf(f, "\n");
 }
 
-void write_settings(plot_t plot, const ranges_t& ranges) {
+static void write_settings(plot_t plot, const ranges_t& ranges) {
     std::fprintf(f, "set encoding iso_8859_1\n");
     if (UserTerminal)
         std::fprintf(f, "set terminal %s\n", UserTerminalName);
@@ -138,3 +99,41 @@ void write_settings(plot_t plot, const ranges_t& ranges) {
     std::fprintf(f, "set bars 0.5\n");
     write_ylabel(plot);
 }
+
+// ---- Series ------------------------------------------------------------------------------------
+
+// A width or size in gnuplot's units. That of an image is made for a width of so many pixels and
+// shrinks as it grows, so that the picture looks the same at any size.
+static double scaled(double on_screen, double pixels) {
+    return image_is_asked_for() ? pixels / wx : on_screen;
+}
+
+static void write_deviations(int c, int j) {
+    const data_type_t& kind = Type[d_idx(PlotColType[j])];
+    std::fprintf(f, "%s using 1:2:3 notitle with ", block_name(c, j, true).text);
+    if (has_band(j))
+        std::fprintf(f, "filledcurves fillcolor \"%s\"", kind.style_color);
+    else
+        std::fprintf(f, "errorbars pt 0 lw %4.1f lc rgb \"%s\"",
+                     scaled(1.0, 1800.0) * ErrLineWidthFactor, kind.style_color);
+}
+
+static void write_curve(int c, int j) {
+    static const char* const WORDS[] = {"", "lines", "points", "linespoints", " "};
+    const data_type_t& kind = Type[d_idx(PlotColType[j])];
+    std::fprintf(f, "%s using 1:2 ", block_name(c, j, false).text);
+    if (PlotLegend)
+        std::fprintf(f, "title '%s (%d-%d)'", kind.name_short, CurveNd[c], CurveNc[c]);
+    else
+        std::fprintf(f, "notitle");
+    std::fprintf(f, " with %s ", WORDS[kind.style_type]);
+    if (kind.style_type == ST_POINTS || kind.style_type == ST_LPOINTS)
+        std::fprintf(f, "pt %d ps %4.1f", kind.p_type, scaled(0.7, 1200.0) * PointSizeFactor);
+    else
+        std::fprintf(f, " ");
+    std::fprintf(f, " lw %4.1f lc rgb \"%s\"",
+                 kind.style_lw * (scaled(1.0, 2000.0) * LineWidthFactor), kind.style_color);
+}
+
+const look_t GravlexLook = {write_settings, write_deviations, write_curve, false};
+const look_t* Look = &GravlexLook;
