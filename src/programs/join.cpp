@@ -4,7 +4,9 @@
 #include <popt.h>
 
 #include <cctype>
+#include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -27,10 +29,12 @@ struct copied_set_t {
 }  // namespace
 
 static std::vector<copied_set_t> Copies;
-static std::size_t CopiesBefore = 0;  // of the files that were read already
-static std::string CurrentFactor;
 
 // ---- Reading -----------------------------------------------------------------------------------
+// The core reads once in a process: each file has one of its own, which leaves the sets that it
+// has copied in a file.
+
+static std::string CurrentFactor = "1";
 
 // In layout 1 more than the number may stand there, and blanks before it.
 static void keep_factor(const char* text) {
@@ -40,7 +44,7 @@ static void keep_factor(const char* text) {
 }
 
 static void keep_row(const char* line) {
-    const std::size_t c = CopiesBefore + static_cast<std::size_t>(Ncurves) - 1;
+    const std::size_t c = static_cast<std::size_t>(Ncurves) - 1;
     if (c == Copies.size()) {
         Copies.emplace_back();
         Copies[c].factor = CurrentFactor;
@@ -49,19 +53,56 @@ static void keep_row(const char* line) {
     Copies[c].rows += '\n';
 }
 
+namespace {
+// What stands in front of the two texts of a set.
+struct head_t {
+    int Nd, Nc;
+    set_t columns;
+    std::size_t factor_size, rows_size;
+};
+}  // namespace
+
 // Every set that is read has rows: a file that has one without is refused.
-static void read_file(const char* name, int number) {
-    CopiesBefore = Copies.size();
-    CurrentFactor.assign(1, '1');
+static void leave_sets(const char* name, FILE* to) {
+    Copies.clear();
+    MetFactor = keep_factor;
+    MetRow = keep_row;
     read_input(name);
     for (int c = 0; c < Ncurves; c++) {
-        copied_set_t& copy = Copies[CopiesBefore + static_cast<std::size_t>(c)];
-        copy.file = name;
-        copy.number = number;
-        copy.Nd = CurveNd[c];
-        copy.Nc = CurveNc[c];
-        copy.columns = own_columns(c);
+        const copied_set_t& copy = Copies[static_cast<std::size_t>(c)];
+        const head_t head = {CurveNd[c], CurveNc[c], own_columns(c), copy.factor.size(),
+                             copy.rows.size()};
+        std::fwrite(&head, sizeof head, 1, to);
+        std::fwrite(copy.factor.data(), 1, head.factor_size, to);
+        std::fwrite(copy.rows.data(), 1, head.rows_size, to);
     }
+    complete(to);
+}
+
+static void take_text(FILE* from, std::size_t size, std::string* text) {
+    text->resize(size);
+    text->resize(std::fread(text->data(), 1, size, from));
+}
+
+static void take_sets(FILE* from, const char* name, int number) {
+    std::rewind(from);
+    for (head_t head; std::fread(&head, sizeof head, 1, from) == 1;) {
+        Copies.push_back({name, number, head.Nd, head.Nc, head.columns, "", ""});
+        take_text(from, head.factor_size, &Copies.back().factor);
+        take_text(from, head.rows_size, &Copies.back().rows);
+    }
+    // GCOV_EXCL_START no disk fails for a test
+    if (std::ferror(from))
+        fail(stderr, "cannot read a temporary file: %s\n", std::strerror(errno));
+    // GCOV_EXCL_STOP
+}
+
+static void read_file(const char* name, int number) {
+    FILE* copied = scratch_file();
+    if (in_child([=] { leave_sets(name, copied); }) != EXIT_SUCCESS)
+        std::exit(EXIT_FAILURE);
+    take_sets(copied, name, number);
+    std::fclose(copied);
 }
 
 // ---- Columns -----------------------------------------------------------------------------------
@@ -232,8 +273,6 @@ int main(int argc, char** argv) {
                                ChangingOptions};
     char** names = start_program(argc, argv, program);
     SeveralInputs = true;
-    MetFactor = keep_factor;
-    MetRow = keep_row;
     for (int i = 0; names[i] != nullptr; i++)
         read_file(names[i], i + 1);
     write_table(new_file(OutputName == nullptr ? "-" : OutputName, Overwrite));

@@ -174,6 +174,11 @@ FILE* scratch_file() {
     return file;
 }
 
+void complete(FILE* scratch) {
+    if (std::fflush(scratch) != 0 || std::ferror(scratch))
+        fail(stderr, "cannot write a temporary file: %s\n", std::strerror(errno));
+}
+
 char* numbered_name(const char* name, int number) {
     const char* base = base_name(name);
     const char* ending = std::strrchr(base, '.');
@@ -254,9 +259,7 @@ static std::string read_complaint(FILE* messages) {
 }
 
 void draw(FILE* commands, FILE* picture) {
-    std::fflush(commands);
-    if (std::ferror(commands))
-        fail(stderr, "cannot write a temporary file: %s\n", std::strerror(errno));
+    complete(commands);
     lseek(fileno(commands), 0, SEEK_SET);
     FILE* messages = scratch_file();
     const int status = run_gnuplot(commands, picture, messages);

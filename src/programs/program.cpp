@@ -2,7 +2,10 @@
 #include "program.h"
 
 #include <popt.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -167,8 +170,6 @@ static void read_tables() {
     MetHeader = meet_header;
     MetSetEnd = meet_set_end;
     OwnName = ProgramName;
-    Ntables = Nsets = SetsEnded = 0;
-    release_curves();
     MetWrongRow = meet_wrong_row;
     if (detect_int_table_version(InputName) == 2)
         parse_kova_int_tables_ver2(InputName);
@@ -259,6 +260,23 @@ void read_input(const char* inpFname) {
     require_deviations();
     group_columns();
     group_curves();
+}
+
+int in_child(const std::function<void()>& work) {
+    const pid_t child = fork();
+    // GCOV_EXCL_START no process to be had
+    if (child == -1)
+        fail(stderr, "cannot start another process: %s\n", std::strerror(errno));
+    // GCOV_EXCL_STOP
+    if (child == 0) {
+        work();
+        std::exit(EXIT_SUCCESS);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFSIGNALED(status))
+        fail(stderr, "the process that reads was ended: %s\n", strsignal(WTERMSIG(status)));
+    return WEXITSTATUS(status);
 }
 
 void require_equal_columns(const char* inpFname) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 
 #include "plot/plot.h"
 
@@ -54,6 +55,10 @@ const set_t& own_columns(int c);
 // ends in the middle of a set.
 void read_input(const char* inpFname);
 
+// Does the work in a process of its own, as the core reads once in a process. Returns its exit
+// status; one that is killed ends the run with a sentence.
+int in_child(const std::function<void()>& work);
+
 // Ends the run with a sentence if the table has no such set. After read_input.
 void require_set(int Nd, int Nc);
 
@@ -92,6 +97,9 @@ void keep_files();
 
 // A file that nobody sees.
 FILE* scratch_file();
+
+// Sees to it that all of it is in the file. A disk that is full ends the run with a sentence.
+void complete(FILE* scratch);
 
 // FILE and a number: fit.gp is fit-2.gp. The caller's.
 char* numbered_name(const char* name, int number);

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
 // gravlex-table: the curves of a table as CSV, or a list of what a file holds.
+#include "table.h"
+
 #include <popt.h>
 
 #include <charconv>
 #include <cstring>
 
 #include "input/input.h"
-#include "table.h"
 
 static const char* OutputName = nullptr;
 static int Overwrite = 0;

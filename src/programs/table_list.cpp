@@ -3,7 +3,6 @@
 // What is in a file, a line a data set. Each table is read by a process of its own, so that the
 // list goes on behind a damaged one.
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -101,7 +100,7 @@ static void end_the_list() {
         _exit(NO_LIST);
 }
 
-[[noreturn]] static void list_table(const char* inpFname) {
+static void list_table(const char* inpFname) {
     MetTable = meet_table;
     MetSetEnd = list_set;
     std::atexit(end_the_list);
@@ -124,19 +123,6 @@ static void end_the_list() {
             complain("Cannot write to standard output: %s\n", std::strerror(errno));
         _exit(NO_LIST);
     }
-    std::exit(EXIT_SUCCESS);
-}
-
-static int list_in_child(const char* inpFname) {
-    const pid_t child = fork();
-    if (child == 0)
-        list_table(inpFname);
-    if (child == -1)  // GCOV_EXCL_START no process to be had
-        fail(stderr, "cannot start another process: %s\n", std::strerror(errno));
-    // GCOV_EXCL_STOP
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : NO_LIST;  // GCOV_EXCL_BR_LINE killed
 }
 
 // ---- The file ----------------------------------------------------------------------------------
@@ -155,9 +141,7 @@ static const char* rereadable(const char* name) {
     for (std::size_t size; (size = std::fread(block, 1, sizeof block, from)) > 0;)
         std::fwrite(block, 1, size, copy);
     std::fclose(from);
-    std::fflush(copy);
-    if (std::ferror(copy))
-        fail(stderr, "cannot write a temporary file: %s\n", std::strerror(errno));
+    complete(copy);
     std::snprintf(copy_name, sizeof copy_name, "/dev/fd/%d", fileno(copy));
     return copy_name;
 }
@@ -170,7 +154,8 @@ int list_tables(const char* inpFname) {
     int worst = EXIT_SUCCESS;
     TableN = every ? 1 : TableN;
     IsFirst = true;
-    for (int status; (status = list_in_child(readable)) != NO_SUCH_TABLE; TableN++) {
+    for (int status; (status = in_child([=] { list_table(readable); })) != NO_SUCH_TABLE;
+         TableN++) {
         worst = status == EXIT_SUCCESS ? worst : EXIT_FAILURE;
         if (!every || status == NO_LIST)
             break;

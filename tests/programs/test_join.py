@@ -2,7 +2,13 @@
 """gravlex-join: the data sets of several files in one."""
 import csv
 import io
+import os
+import pathlib
 import re
+import signal
+import subprocess
+import tempfile
+import time
 import unittest
 
 import kova
@@ -168,6 +174,23 @@ class Refused(kova.Programs):
         text = file(table(data_set("1-1", "s sms tsms", f"{'1' * 200}-{'1' * 193}-1")))
         self.check_refused("a row of data set 1-1 of a is too long", PROGRAM, "a",
                            files={"a": text})
+
+
+    def test_killed_reader(self):
+        """As the system does when memory runs out."""
+        with tempfile.TemporaryDirectory() as folder:
+            pipe = pathlib.Path(folder, "pipe")
+            os.mkfifo(pipe)
+            with subprocess.Popen([running.PROGRAM.parent / PROGRAM, pipe],
+                                  stderr=subprocess.PIPE, text=True) as joining:
+                children = pathlib.Path(f"/proc/{joining.pid}/task/{joining.pid}/children")
+                while not (reader := children.read_text()):
+                    self.assertIsNone(joining.poll())
+                    time.sleep(0.01)
+                os.kill(int(reader), signal.SIGKILL)
+                _, err = joining.communicate(timeout=60)
+            self.assertEqual((joining.returncode, err),
+                             (1, f"{PROGRAM}: the process that reads was ended: Killed\n"))
 
 
 class Output(kova.Programs):
