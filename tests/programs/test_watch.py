@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 """gravlex-watch with the real gnuplot: what it shows, says and leaves, event after event."""
 
+import contextlib
 import ctypes
 import os
+import pathlib
 import re
 import select
 import shutil
@@ -127,6 +129,17 @@ class File(Watched):
             session.wait("shown", "(4-1)")
         result = watch([*DUMB, "fit.out"], steps)
         self.check_end(result, [AWAY])
+
+    def test_the_system_tells(self):
+        """It is not only the look every two seconds that finds changes."""
+        def steps(session):
+            session.wait("shown", "(1-1)")
+            told = ""
+            for descriptor in pathlib.Path(f"/proc/{session.process.pid}/fdinfo").iterdir():
+                with contextlib.suppress(FileNotFoundError):  # closed meanwhile
+                    told += descriptor.read_text()
+            self.assertIn("inotify wd:", told)
+        self.check_end(watch([*DUMB, "fit.out"], steps))
 
     def test_half_written(self):
         def steps(session):
