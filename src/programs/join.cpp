@@ -114,16 +114,6 @@ static unsigned kinds_of(const copied_set_t& copy) {
     return mask;
 }
 
-static void report_left_out(unsigned mask) {
-    std::string words;
-    for (const data_type_t& kind : Type) {
-        if (is_in(kind.type, mask))
-            words.append(words.empty() ? "" : ", ").append(column_word(kind.type));
-    }
-    if (!words.empty())
-        complain("left out, because not every data set has them: %s\n", words.c_str());
-}
-
 // The kinds that all sets have, in the order of the first one.
 static std::vector<int> common_kinds() {
     unsigned common = P_GINT_EVERY, any = 0;
@@ -136,7 +126,9 @@ static std::vector<int> common_kinds() {
     }
     if (common == P_GINT_S)
         fail(stderr, "the data sets have no kind in common\n");
-    report_left_out(any & ~common);
+    if (any != common)
+        complain("left out, because not every data set has them: %s\n",
+                 kind_words(any & ~common).c_str());
     std::vector<int> kinds;
     for (int j = 0; j < Copies[0].columns.NcolsToPlot; j++) {
         if (is_in(Copies[0].columns.PlotColType[j], common))

@@ -9,18 +9,18 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "input/input.h"
 
-int Ntables = 0;
-int Nsets = 0;
-set_t* Sets = nullptr;
 bool SeveralInputs = false;
 
-static int Nrooms = 0;           // elements of Sets
-static int SetsEnded = 0;        // sets that were read to their end
-static int* ReadSets = nullptr;  // index in Sets of each set that was read
-static set_t FirstHeader = {};   // layout 1 has one for all sets
+static int Ntables = 0;                    // of the file, up to the selected one
+static std::vector<set_t> Sets;            // of the table, whether they are read or not
+static std::vector<std::size_t> ReadSets;  // index in Sets of each set that was read
+static int SetsEnded = 0;                  // sets that were read to their end
+static set_t FirstHeader = {};             // layout 1 has one for all sets
 static const char* InputName = nullptr;
 static const char* OwnName = nullptr;  // of the program
 static char Prefix[1000];              // the same with the table that is being read
@@ -36,25 +36,9 @@ static void meet_table() {
 }
 
 static void meet_set(int Nd, int Nc) {
-    if (Nsets == Nrooms) {
-        Nrooms = Nrooms == 0 ? 16 : 2 * Nrooms;
-        Sets = resized(Sets, static_cast<std::size_t>(Nrooms));
-    }
-    Sets[Nsets] = FirstHeader;
-    Sets[Nsets].Nd = Nd;
-    Sets[Nsets].Nc = Nc;
-    Nsets++;
-}
-
-static void print_kinds(char* to, std::size_t room, unsigned mask) {
-    std::size_t length = 0;
-    *to = '\0';
-    for (const data_type_t& kind : Type) {
-        const char* word = is_in(kind.type, mask) ? kind_word(kind.type) : nullptr;
-        if (word != nullptr)
-            length += static_cast<std::size_t>(
-                std::snprintf(to + length, room - length, "%s%s", length > 0 ? ", " : "", word));
-    }
+    Sets.push_back(FirstHeader);
+    Sets.back().Nd = Nd;
+    Sets.back().Nc = Nc;
 }
 
 static void require_named_kinds() {
@@ -65,18 +49,16 @@ static void require_named_kinds() {
     if (missing == 0)
         return;
     ProgramName = OwnName;
-    char names[300], kinds[300];
-    print_kinds(names, sizeof names, missing);
-    print_kinds(kinds, sizeof kinds, found);
-    fail(stderr, "no kind %s in %s (table %d has %s)\n", names, InputName, TableN, kinds);
+    fail(stderr, "no kind %s in %s (table %d has %s)\n", kind_words(missing).c_str(), InputName,
+         TableN, kind_words(found & ~unsigned{P_GINT_S | P_GINT_R}).c_str());
 }
 
 static void meet_header() {
     require_named_kinds();
-    set_t* header = Nsets > 0 ? &Sets[Nsets - 1] : &FirstHeader;
-    header->NcolsToPlot = NcolsToPlot;
-    std::memcpy(header->PlotColType, PlotColType, sizeof PlotColType);
-    std::memcpy(header->PlotTypePos, PlotTypePos, sizeof PlotTypePos);
+    set_t& header = Sets.empty() ? FirstHeader : Sets.back();
+    header.NcolsToPlot = NcolsToPlot;
+    std::memcpy(header.PlotColType, PlotColType, sizeof PlotColType);
+    std::memcpy(header.PlotTypePos, PlotTypePos, sizeof PlotTypePos);
 }
 
 static void meet_set_end() {
@@ -164,6 +146,10 @@ const char* only_input(char** names) {
     return names[0];
 }
 
+static bool is_set(const set_t& set, int Nd, int Nc) {
+    return set.Nd == Nd && set.Nc == Nc;
+}
+
 static void read_tables() {
     MetTable = meet_table;
     MetSet = meet_set;
@@ -177,38 +163,29 @@ static void read_tables() {
         parse_kova_int_tables_ver1(InputName);
     ProgramName = OwnName;
     // Each set that was read, in the order of the file.
-    ReadSets = resized(ReadSets, static_cast<std::size_t>(Ncurves));
     int c = 0;
-    for (int i = 0; i < Nsets && c < Ncurves; i++) {
-        if (Sets[i].Nd == CurveNd[c] && Sets[i].Nc == CurveNc[c])
-            ReadSets[c++] = i;
+    for (std::size_t i = 0; i < Sets.size() && c < Ncurves; i++) {
+        if (is_set(Sets[i], CurveNd[c], CurveNc[c])) {
+            ReadSets.push_back(i);
+            c++;
+        }
     }
 }
 
 const set_t& own_columns(int c) {
-    return Sets[ReadSets[c]];
-}
-
-static bool is_met(int Nd, int Nc) {
-    for (int i = 0; i < Nsets; i++) {
-        if (Sets[i].Nd == Nd && Sets[i].Nc == Nc)
-            return true;
-    }
-    return false;
+    return Sets[ReadSets[static_cast<std::size_t>(c)]];
 }
 
 // The labels of the table, as many as a sentence can hold.
-static void print_sets(char* to, std::size_t room) {
-    std::size_t length = 0;
-    *to = '\0';
-    for (int i = 0; i < Nsets; i++) {
-        if (length + 40 > room) {
-            std::snprintf(to + length, room - length, ", ...");
-            return;
-        }
-        length += static_cast<std::size_t>(std::snprintf(
-            to + length, room - length, "%s%d-%d", i > 0 ? ", " : "", Sets[i].Nd, Sets[i].Nc));
+static std::string labels() {
+    std::string text;
+    for (const set_t& set : Sets) {
+        if (text.size() > 360)
+            return text + ", ...";
+        text += text.empty() ? "" : ", ";
+        text += std::to_string(set.Nd) + "-" + std::to_string(set.Nc);
     }
+    return text;
 }
 
 static void require_table() {
@@ -216,16 +193,17 @@ static void require_table() {
         fail(stderr, "%s is no output of KOVA: there is no table in it\n", InputName);
     if (TableN < 1 || TableN > Ntables)
         fail(stderr, "no table %d in %s (it has %d)\n", TableN, InputName, Ntables);
-    if (Nsets == 0)
+    if (Sets.empty())
         fail(stderr, "no data sets in table %d of %s\n", TableN, InputName);
 }
 
 void require_set(int Nd, int Nc) {
-    if (is_met(Nd, Nc))
-        return;
-    char sets[400];
-    print_sets(sets, sizeof sets);
-    fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", Nd, Nc, InputName, TableN, sets);
+    for (const set_t& set : Sets) {
+        if (is_set(set, Nd, Nc))
+            return;
+    }
+    fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", Nd, Nc, InputName, TableN,
+         labels().c_str());
 }
 
 static void require_sets() {
@@ -354,6 +332,15 @@ const char* column_word(int kind) {
     if (kind == P_GINT_S)
         return "s";
     return kind == P_GINT_R ? "r" : kind_word(kind);
+}
+
+std::string kind_words(unsigned mask) {
+    std::string words;
+    for (const data_type_t& kind : Type) {
+        if (is_in(kind.type, mask))
+            words.append(words.empty() ? "" : ", ").append(column_word(kind.type));
+    }
+    return words;
 }
 
 int column_of(const set_t& set, int kind) {

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <string>
 
 #include "plot/plot.h"
 
@@ -35,18 +36,15 @@ const char* only_input(char** names);
 // in which of them.
 extern bool SeveralInputs;
 
-// What the selected table of the input holds.
+// A data set, as its own header row has it.
 struct set_t {
     int Nd, Nc;
-    int NcolsToPlot;  // its own columns: those of its header row
+    int NcolsToPlot;
     int PlotColType[MAX_COLS];
     int PlotTypePos[MAX_COLS];
 };
-extern int Ntables;  // tables of the file, up to the selected one
-extern int Nsets;    // sets of the table, whether they are read or not
-extern set_t* Sets;  // Sets[c] belongs to Curve[c] where all sets are read
 
-// The own columns of a set that was read.
+// The same of Curve[c].
 const set_t& own_columns(int c);
 
 // Reads the selected table and forms the plot groups. Ends the run with a sentence where gravlex
@@ -80,6 +78,9 @@ extern const refused_option_t* const DrawingOptions;
 
 // The word of a kind in a list, s and r for those that have none there.
 const char* column_word(int kind);
+
+// The words of the kinds of the mask, with commas.
+std::string kind_words(unsigned mask);
 
 // The plot column of the kind; -1 if the set has none.
 int column_of(const set_t& set, int kind);

@@ -27,8 +27,8 @@ static const program_t Script = {"gravlex-script", "[options...] inputfile", Own
 
 static const char* InputName = nullptr;
 static const char* Terminal = nullptr;  // of --term; the core would repeat it in each panel
-static int ArgCount = 0;
-static char** Arguments = nullptr;
+static int ArgCount;
+static char** Arguments;
 
 // ---- The comment -------------------------------------------------------------------------------
 

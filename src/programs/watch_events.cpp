@@ -23,14 +23,13 @@ static constexpr std::int64_t LOOK = 2000;  // between looks; nor must a busy wr
 static constexpr std::uint32_t CHANGES =
     IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
 
-static const char* Name = nullptr;
-static const char* Base = nullptr;  // the name in its folder
+static const char* Name;
+static const char* Base;  // the name in its folder
 static std::string Folder;
-static int Events = -1;
+static int Events;
 static struct stat Taken = {};  // the file as it was taken last; all 0 if it was not there
 static bool Changed = true;     // since it was taken
-static std::int64_t FirstChange = 0, LastChange = 0;
-static std::int64_t NextLook = 0;
+static std::int64_t FirstChange, LastChange, NextLook;
 
 static std::int64_t now() {
     struct timespec time = {};

@@ -22,10 +22,10 @@
 
 #include "watch.h"
 
-static pid_t Gnuplot = 0;
-static FILE* ToGnuplot = nullptr;
-static int FromGnuplot = -1;
-static int CommandsFile = -1;
+static pid_t Gnuplot;
+static FILE* ToGnuplot;
+static int FromGnuplot;
+static int CommandsFile;
 static int Asked = 0;  // number of the picture that it was asked for last
 static bool Busy = true, Closed = false;
 static std::string Line;     // of its messages, the one that is coming in
