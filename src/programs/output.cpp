@@ -179,16 +179,12 @@ void complete(FILE* scratch) {
         fail(stderr, "cannot write a temporary file: %s\n", std::strerror(errno));
 }
 
-char* numbered_name(const char* name, int number) {
+std::string numbered_name(const char* name, int number) {
     const char* base = base_name(name);
     const char* ending = std::strrchr(base, '.');
     if (ending == nullptr || ending == base)
         ending = name + std::strlen(name);
-    const std::size_t room = std::strlen(name) + 16;
-    char* numbered = resized<char>(nullptr, room);
-    std::snprintf(numbered, room, "%.*s-%d%s", static_cast<int>(ending - name), name, number,
-                  ending);
-    return numbered;
+    return std::string(name, ending) + "-" + std::to_string(number) + ending;
 }
 
 // ---- gnuplot -----------------------------------------------------------------------------------

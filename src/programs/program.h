@@ -102,8 +102,8 @@ FILE* scratch_file();
 // Sees to it that all of it is in the file. A disk that is full ends the run with a sentence.
 void complete(FILE* scratch);
 
-// FILE and a number: fit.gp is fit-2.gp. The caller's.
-char* numbered_name(const char* name, int number);
+// FILE and a number: fit.gp is fit-2.gp.
+std::string numbered_name(const char* name, int number);
 
 // ---- gnuplot -----------------------------------------------------------------------------------
 

@@ -112,22 +112,22 @@ static void write_plot(plot_t plot) {
 }
 
 // The terminal stands in front: on a page of panels gnuplot would refuse to change it.
-static void write_terminal(const char* image) {
-    if (image == nullptr) {
+static void write_terminal(const std::string& image) {
+    if (!image_is_asked_for()) {
         if (Terminal != nullptr)
             std::fprintf(f, "set terminal %s\n", Terminal);
         return;
     }
     write_image_terminal();
     std::fprintf(f, "set output ");
-    write_name(f, image);
+    write_name(f, image.c_str());
     std::fprintf(f, "\n");
 }
 
 static void write_page() {
     write_comment(Output);
     for_each_plot(write_data_blocks);
-    write_terminal(image_is_asked_for() ? ImgFname : nullptr);
+    write_terminal(image_is_asked_for() ? ImgFname : "");
     // An image of a page has the encoding that was set when it began: the Angstrom sign needs it.
     if (page_has_panels())
         std::fprintf(f,
@@ -140,13 +140,8 @@ static void write_page() {
 }
 
 // The name of an image with its number, as gravlex numbers them.
-static char* image_name(int number) {
-    if (!image_is_asked_for())
-        return nullptr;
-    const std::size_t room = std::strlen(ImgFname) + 16;
-    char* name = resized<char>(nullptr, room);
-    std::snprintf(name, room, "%d_%s", number, ImgFname);
-    return name;
+static std::string image_name(int number) {
+    return image_is_asked_for() ? std::to_string(number) + "_" + ImgFname : "";
 }
 
 // One script, in which each plot has a window or an image of its own.
@@ -175,9 +170,9 @@ static void write_scripts() {
         number++;
         if (!has_series(plot))
             return;
-        const char* name = numbered_name(Output, number);
-        f = new_file(name, Force);
-        write_comment(name);
+        const std::string name = numbered_name(Output, number);
+        f = new_file(name.c_str(), Force);
+        write_comment(name.c_str());
         write_data_blocks(plot);
         write_terminal(image_name(number));
         write_plot(plot);

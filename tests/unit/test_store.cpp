@@ -80,35 +80,6 @@ TEST_F(Store, a_point_grows_the_plot_columns_only) {
     EXPECT_EQ(Curve[0][2], nullptr);
 }
 
-// The sets that clear_curves forgets are still there.
-TEST_F(Store, clear_curves_forgets_without_releasing) {
-    set_plot_columns({P_GINT_S, P_GINT_INT});
-    add_set(1, 1, {{1.0}, {2.0}});
-    double*** const curve = Curve;
-    double** const shift = CurveShift;
-    int *const npts = Npts, *const nd = CurveNd, *const nc = CurveNc,
-               *const group = CurvePlotGroup;
-    double* const factor = CurveScaleFactor;
-    clear_curves();
-    EXPECT_EQ(Ncurves, 0);
-    EXPECT_EQ(Curve, nullptr);
-    EXPECT_EQ(Npts, nullptr);
-    EXPECT_EQ(CurveNd, nullptr);
-    EXPECT_EQ(CurveNc, nullptr);
-    EXPECT_EQ(CurveShift, nullptr);
-    EXPECT_EQ(CurvePlotGroup, nullptr);
-    EXPECT_EQ(CurveScaleFactor, factor);  // this one stays
-    EXPECT_EQ(NcolsToPlot, 2);
-    Ncurves = 1;
-    Curve = curve;
-    CurveShift = shift;
-    Npts = npts;
-    CurveNd = nd;
-    CurveNc = nc;
-    CurvePlotGroup = group;
-    EXPECT_EQ(Curve[0][1][0], 2.0);
-}
-
 TEST_F(Store, release_takes_sets_at_every_stage) {
     NcolsToPlot = 3;
     append_curve(1, 1, 1.0);  // without columns

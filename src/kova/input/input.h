@@ -36,9 +36,6 @@ extern int* CurvePlotGroup;       // group from 1; 0 until the driver sets it
 // Forgets all columns.
 void clear_columns();
 
-// Forgets all data sets without releasing anything: for use before the first one is there.
-void clear_curves();
-
 // Appends a data set without points and without columns.
 void append_curve(int Nd, int Nc, double factor);
 

@@ -28,13 +28,6 @@ void clear_columns() {
     std::memset(PlotTypePos, 0, sizeof PlotTypePos);
 }
 
-void clear_curves() {
-    Ncurves = 0;
-    Curve = nullptr;
-    Npts = CurveNd = CurveNc = CurvePlotGroup = nullptr;
-    CurveShift = nullptr;
-}
-
 // An array of n elements that doubles whenever n reaches a power of two: true if it is full.
 static bool is_full(int n) {
     return (n & (n - 1)) == 0;
@@ -104,6 +97,9 @@ void release_curves() {
     std::free(CurvePlotGroup);
     std::free(CurveScaleFactor);
     std::free(CurveShift);
+    Ncurves = 0;
+    Curve = nullptr;
+    Npts = CurveNd = CurveNc = CurvePlotGroup = nullptr;
     CurveScaleFactor = nullptr;
-    clear_curves();
+    CurveShift = nullptr;
 }

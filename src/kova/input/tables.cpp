@@ -110,7 +110,6 @@ static bool enter_table() {
     if (MetTable != nullptr)
         MetTable();
     pass_over_line();
-    clear_curves();
     return tableN == TableN;
 }
 
