@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The files that a program writes, and the gnuplot that draws them. Each file grows under another
-// name beside its own, so that what is there is the old one or the whole new one at every moment.
+// The files that a program writes. Each grows under another name beside its own, so that what is
+// there is the old one or the whole new one at every moment. And the start of gnuplot.
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,7 +30,6 @@ struct new_file_t {
 
 static new_file_t* Files = nullptr;
 static volatile int Nfiles = 0;
-static volatile pid_t Gnuplot = 0;  // the one that is running
 
 // ---- On the way out ----------------------------------------------------------------------------
 
@@ -42,8 +42,6 @@ static void remove_temporaries() {
 
 // Only what may be called in the middle of anything else.
 static void end_by_signal(int signal) {
-    if (Gnuplot > 0)
-        kill(Gnuplot, SIGTERM);
     remove_temporaries();
     std::signal(signal, SIG_DFL);
     raise(signal);
@@ -192,78 +190,19 @@ std::string numbered_name(const char* name, int number) {
 // How a shell ends, too, that does not find what it is to start.
 static constexpr int NO_GNUPLOT = 127;
 
-// In the child: gnuplot reads the commands as a file, which it does in blocks, and no settings of
-// the user's; without a UTF-8 locale it complains about the encoding.
-[[noreturn]] static void become_gnuplot(int commands, int picture, int messages) {
-    char name[32];
-    std::snprintf(name, sizeof name, "/dev/fd/%d", commands);
+// No settings of the user's. Without a UTF-8 locale gnuplot complains about the encoding.
+void become_gnuplot(const char* script) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     setenv("LC_ALL", "C.UTF-8", 1);
-    setenv("GNUTERM", "unknown", 1);  // every picture has a terminal of its own
-    dup2(picture, STDOUT_FILENO);
-    dup2(messages, STDERR_FILENO);
-    execlp("gnuplot", "gnuplot", "-d", name, static_cast<char*>(nullptr));
+    execlp("gnuplot", "gnuplot", "-d", script, static_cast<char*>(nullptr));
     _exit(NO_GNUPLOT);
 }
 
-static int run_gnuplot(FILE* commands, FILE* picture, FILE* messages) {
-    block_signals(SIG_BLOCK);
-    Gnuplot = fork();
-    if (Gnuplot == 0) {
-        block_signals(SIG_UNBLOCK);
-        become_gnuplot(fileno(commands), fileno(picture), fileno(messages));
-    }
-    block_signals(SIG_UNBLOCK);
-    // GCOV_EXCL_START no process to be had
-    if (Gnuplot == -1)
-        fail(stderr, "cannot start gnuplot: %s\n", std::strerror(errno));
-    // GCOV_EXCL_STOP
-    int status = 0;
-    waitpid(Gnuplot, &status, 0);
-    Gnuplot = 0;
-    return status;
-}
-
-// gnuplot shows the command that is wrong before it says why, and in front of that the place in a
-// file that nobody sees:
-//
-//     "/dev/fd/5" line 2: unknown or ambiguous terminal type
-//
-// What others have to say, like a loader of libraries, ends with what matters. Empty if there is
-// nothing.
-static std::string read_complaint(FILE* messages) {
-    char line[1000];
-    std::string last;
-    rewind(messages);
-    while (std::fgets(line, sizeof line, messages) != nullptr) {
-        const char* place = std::strstr(line, "\" line ");
-        const char* reason = place == nullptr ? nullptr : std::strstr(place, ": ");
-        if (reason != nullptr)
-            return reason + 2;
-        if (line[std::strspn(line, " \n")] != '\0')
-            last = line;
-    }
-    return last;
-}
-
-[[noreturn]] static void refuse_status(int status, FILE* messages) {
-    const std::string complaint = read_complaint(messages);
+void blame_gnuplot(int status, const std::string& complaint) {
     if (!complaint.empty())
         fail(stderr, "gnuplot says: %s\n", complaint.c_str());
     if (WEXITSTATUS(status) == NO_GNUPLOT)
         fail(stderr, "gnuplot not found: install it, or put it on the search path\n");
-    fail(stderr, "gnuplot ended without a picture\n");
-}
-
-void draw(FILE* commands, FILE* picture) {
-    complete(commands);
-    lseek(fileno(commands), 0, SEEK_SET);
-    FILE* messages = scratch_file();
-    const int status = run_gnuplot(commands, picture, messages);
-    struct stat drawn = {};
-    fstat(fileno(picture), &drawn);
-    if (status != 0 || drawn.st_size == 0)
-        refuse_status(status, messages);
-    std::fclose(messages);
 }
 
 // Octal digits stand for whatever could mean something to gnuplot.

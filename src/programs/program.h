@@ -107,10 +107,12 @@ std::string numbered_name(const char* name, int number);
 
 // ---- gnuplot -----------------------------------------------------------------------------------
 
-// Lets gnuplot draw the commands of the file, from its beginning, onto its standard output, which
-// goes to the picture, a file. A gnuplot that is missing, fails or draws nothing ends the run with
-// a sentence that has its own words.
-void draw(FILE* commands, FILE* picture);
+// For a child: becomes gnuplot, which reads the script, or its standard input where that is null.
+// It ends with the process that waits for it.
+[[noreturn]] void become_gnuplot(const char* script);
+
+// Ends the run if gnuplot has said why it failed, or was not found. status is that of its end.
+void blame_gnuplot(int status, const std::string& complaint);
 
 // Writes a text as a string of gnuplot that no byte of it can end: between single quotes gnuplot
 // 5.4 ends it behind two of them.

@@ -10,7 +10,6 @@
 //                     end
 //     closed          somebody has closed the window
 #include <fcntl.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -32,21 +31,13 @@ static std::string Line;     // of its messages, the one that is coming in
 static std::string Own;      // its first complaint since the last picture ...
 static std::string Foreign;  // ... and the first that may be from a library for windows
 
-// How a shell ends, too, that does not find what it is to start.
-static constexpr int NO_GNUPLOT = 127;
-
 // ---- Start -------------------------------------------------------------------------------------
 
-// In the child. Without a UTF-8 locale gnuplot complains about the encoding of every plot;
-// settings of the user's own could change whatever we rely on.
-[[noreturn]] static void become_gnuplot(int input, int messages) {
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    setenv("LC_ALL", "C.UTF-8", 1);
+[[noreturn]] static void show_in_child(int input, int messages) {
     dup2(input, STDIN_FILENO);
     dup2(messages, STDERR_FILENO);
     fcntl(CommandsFile, F_SETFD, 0);
-    execlp("gnuplot", "gnuplot", "-d", static_cast<char*>(nullptr));
-    _exit(NO_GNUPLOT);
+    become_gnuplot(nullptr);
 }
 
 static void start_gnuplot() {
@@ -55,7 +46,7 @@ static void start_gnuplot() {
     const bool has_pipes = pipe2(input, O_CLOEXEC) == 0 && pipe2(messages, O_CLOEXEC) == 0;
     Gnuplot = has_pipes ? fork() : -1;
     if (Gnuplot == 0)
-        become_gnuplot(input[0], messages[1]);
+        show_in_child(input[0], messages[1]);
     ToGnuplot = Gnuplot == -1 ? nullptr : fdopen(input[1], "w");
     if (ToGnuplot == nullptr)
         fail(stderr, "cannot start gnuplot: %s\n", std::strerror(errno));
@@ -183,10 +174,6 @@ void end_with_gnuplot() {
     take_messages();
     if (Closed)
         std::exit(EXIT_SUCCESS);
-    const std::string& complaint = Own.empty() ? Foreign : Own;
-    if (!complaint.empty())
-        fail(stderr, "gnuplot says: %s\n", complaint.c_str());
-    if (WEXITSTATUS(status) == NO_GNUPLOT)
-        fail(stderr, "gnuplot not found: install it, or put it on the search path\n");
+    blame_gnuplot(status, Own.empty() ? Foreign : Own);
     fail(stderr, "gnuplot has ended\n");
 }

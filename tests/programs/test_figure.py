@@ -174,7 +174,7 @@ class Failures(unittest.TestCase):
     def test_signals(self):
         # A test that a shell has started in the background would pass on that it is ignored.
         signal.signal(signal.SIGINT, signal.default_int_handler)
-        waits = b'#!/bin/sh\n: >"$RECORD/started"\nexec sleep 100\n'
+        waits = b'#!/bin/sh\n: >"$RECORD/started"\nexec sleep 1000\n'
         for number in signal.SIGHUP, signal.SIGINT, signal.SIGTERM:
             def end(process, folder, number=number):
                 while not (folder / "record" / "started").exists():
