@@ -29,12 +29,27 @@ static ended_t with_gnuplot(const std::string& script, const act_t& act) {
     return ended;
 }
 
-// Sends so much that gnuplot must have taken some of it, and ends.
-static void fail_after_much_data() {
-    gnuplot_start();
+// Sends so much that gnuplot must have taken some of it.
+static void send_much_data() {
     for (int i = 0; i < 30000; i++)
         std::fprintf(f, "0123456789\n");
     std::fflush(f);
+}
+
+TEST_F(Gnuplot, speaks_behind_what_was_said_before_it) {
+    const ended_t ended = with_gnuplot("echo gnuplot\ncat >/dev/null\n", [] {
+        say("before\n");
+        gnuplot_start();
+        send_much_data();
+        say("after\n");
+        gnuplot_close();
+    });
+    EXPECT_TRUE(ended_with(ended, 0, "before\ngnuplot\nafter\n", ""));
+}
+
+static void fail_after_much_data() {
+    gnuplot_start();
+    send_much_data();
     fail(stderr, "ours\n");
 }
 
