@@ -47,10 +47,10 @@ struct set_t {
 // The same of Curve[c].
 const set_t& own_columns(int c);
 
-// Reads the selected table and forms the plot groups. Ends the run with a sentence where gravlex
-// goes on without a word: no table of that number, none at all, a kind or a set that is named and
-// not there, deviations that are to be shown and are not read, a set without rows, a file that
-// ends in the middle of a set.
+// Reads the selected table and forms the plot groups, once in a process. Ends the run with a
+// sentence where gravlex goes on without a word: no table of that number, none at all, a kind or a
+// set that is named and not there, deviations that are to be shown and are not read, a set without
+// rows, a file that ends in the middle of a set.
 void read_input(const char* inpFname);
 
 // Does the work in a process of its own, as the core reads once in a process. Returns its exit
