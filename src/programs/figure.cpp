@@ -276,7 +276,9 @@ static std::vector<page_t> make_pages() {
 static void write_pages(const std::vector<page_t>& pages, const char* title) {
     int number = 0;
     for (const page_t& page : pages) {
-        const std::string name = MultiPlot ? Output : numbered_name(Output, ++number);
+        std::string name = Output;
+        if (!MultiPlot)
+            name = numbered_name(Output, ++number);
         FILE* file = new_file(name.c_str(), Force != 0);
         const std::string picture = draw_page(page, title);
         std::fwrite(picture.data(), 1, picture.size(), file);

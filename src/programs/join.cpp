@@ -87,9 +87,14 @@ static void take_text(FILE* from, std::size_t size, std::string* text) {
 static void take_sets(FILE* from, const char* name, int number) {
     std::rewind(from);
     for (head_t head; std::fread(&head, sizeof head, 1, from) == 1;) {
-        Copies.push_back({name, number, head.Nd, head.Nc, head.columns, "", ""});
-        take_text(from, head.factor_size, &Copies.back().factor);
-        take_text(from, head.rows_size, &Copies.back().rows);
+        copied_set_t& copy = Copies.emplace_back();
+        copy.file = name;
+        copy.number = number;
+        copy.Nd = head.Nd;
+        copy.Nc = head.Nc;
+        copy.columns = head.columns;
+        take_text(from, head.factor_size, &copy.factor);
+        take_text(from, head.rows_size, &copy.rows);
     }
     // GCOV_EXCL_START no disk fails for a test
     if (std::ferror(from))

@@ -329,9 +329,10 @@ const refused_option_t ChangingOptions[] = {
 const refused_option_t* const DrawingOptions = ChangingOptions + 2;
 
 const char* column_word(int kind) {
-    if (kind == P_GINT_S)
-        return "s";
-    return kind == P_GINT_R ? "r" : kind_word(kind);
+    const char* word = kind_word(kind);
+    if (word != nullptr)
+        return word;
+    return kind == P_GINT_S ? "s" : "r";
 }
 
 std::string kind_words(unsigned mask) {

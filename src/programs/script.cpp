@@ -141,7 +141,9 @@ static void write_page() {
 
 // The name of an image with its number, as gravlex numbers them.
 static std::string image_name(int number) {
-    return image_is_asked_for() ? std::to_string(number) + "_" + ImgFname : "";
+    if (!image_is_asked_for())
+        return "";
+    return std::to_string(number) + "_" + ImgFname;
 }
 
 // One script, in which each plot has a window or an image of its own.

@@ -92,7 +92,9 @@ static void write_all_data(const char* name) {
 void write_picture(const char* name, FILE* commands, int number) {
     f = commands;
     NamedBlocks = 1;
-    static const look_t look = {write_settings, GravlexLook.deviations, GravlexLook.curve, false};
+    static look_t look;
+    look = GravlexLook;
+    look.settings = write_settings;
     Look = &look;
     UserTerminal = 0;  // set once, at the start
     read_input(name);
