@@ -20,7 +20,7 @@ struct plot_t {
     int h;  // its columns are the plot columns j >= 1 with ColPlotGroup[j] equal to h
 };
 
-// Visits the plots of a page, or each in turn, in the order in which they are drawn: visit(plot).
+// Visits every plot, in the order in which they are drawn: visit(plot).
 template <class visitor_t>
 void for_each_plot(visitor_t visit) {
     for (int g = 1; g <= CurveGroupsToPlot; g++) {
