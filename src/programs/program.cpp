@@ -2,10 +2,12 @@
 #include "program.h"
 
 #include <popt.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -241,13 +243,16 @@ void read_input(const char* inpFname) {
 }
 
 int in_child(const std::function<void()>& work) {
+    const pid_t own = getpid();
     const pid_t child = fork();
     // GCOV_EXCL_START no process to be had
     if (child == -1)
         fail(stderr, "cannot start another process: %s\n", std::strerror(errno));
     // GCOV_EXCL_STOP
     if (child == 0) {
-        work();
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (getppid() == own)  // GCOV_EXCL_BR_LINE it has ended already
+            work();
         std::exit(EXIT_SUCCESS);
     }
     int status = 0;

@@ -54,7 +54,7 @@ const set_t& own_columns(int c);
 void read_input(const char* inpFname);
 
 // Does the work in a process of its own, as the core reads once in a process. Returns its exit
-// status; one that is killed ends the run with a sentence.
+// status; one that is killed ends the run with a sentence. It ends with the process that waits.
 int in_child(const std::function<void()>& work);
 
 // Ends the run with a sentence if the table has no such set. After read_input.

@@ -176,21 +176,24 @@ class Refused(kova.Programs):
                            files={"a": text})
 
 
-    def test_killed_reader(self):
-        """As the system does when memory runs out."""
+    def test_ended_while_it_reads(self):
+        """One process waits for the other: neither outlives it."""
         with tempfile.TemporaryDirectory() as folder:
             pipe = pathlib.Path(folder, "pipe")
             os.mkfifo(pipe)
-            with subprocess.Popen([running.PROGRAM.parent / PROGRAM, pipe],
-                                  stderr=subprocess.PIPE, text=True) as joining:
-                children = pathlib.Path(f"/proc/{joining.pid}/task/{joining.pid}/children")
-                while not (reader := children.read_text()):
-                    self.assertIsNone(joining.poll())
-                    time.sleep(0.01)
-                os.kill(int(reader), signal.SIGKILL)
-                _, err = joining.communicate(timeout=60)
-            self.assertEqual((joining.returncode, err),
-                             (1, f"{PROGRAM}: the process that reads was ended: Killed\n"))
+            for killed, status, said in (
+                    # As the system does when memory runs out.
+                    ("reader", 1, f"{PROGRAM}: the process that reads was ended: Killed\n"),
+                    ("program", -signal.SIGKILL, "")):
+                with subprocess.Popen([running.PROGRAM.parent / PROGRAM, pipe],
+                                      stderr=subprocess.PIPE, text=True) as joining:
+                    children = pathlib.Path(f"/proc/{joining.pid}/task/{joining.pid}/children")
+                    while not (reader := children.read_text()):
+                        self.assertIsNone(joining.poll())
+                        time.sleep(0.01)
+                    os.kill(int(reader) if killed == "reader" else joining.pid, signal.SIGKILL)
+                    _, err = joining.communicate(timeout=60)  # the end of both
+                self.assertEqual((joining.returncode, err), (status, said))
 
 
 class Output(kova.Programs):
