@@ -79,8 +79,7 @@ struct part_t {
 // become a part of an HTML page. Returns which parts belong together.
 std::vector<part_t> write_commands(const page_t& page);
 
-// ---- gnuplot (figure_draw.cpp)
-// ------------------------------------------------------------------
+// ---- gnuplot (figure_draw.cpp) -----------------------------------------------------------------
 
 // Lets gnuplot draw the commands of the file, from its beginning, onto its standard output, which
 // goes to the picture, a file. A gnuplot that is missing, fails or draws nothing ends the run with

@@ -165,12 +165,10 @@ static void read_tables() {
         parse_kova_int_tables_ver1(InputName);
     ProgramName = OwnName;
     // Each set that was read, in the order of the file.
-    int c = 0;
-    for (std::size_t i = 0; i < Sets.size() && c < Ncurves; i++) {
-        if (is_set(Sets[i], CurveNd[c], CurveNc[c])) {
+    for (std::size_t i = 0; i < Sets.size(); i++) {
+        const int c = static_cast<int>(ReadSets.size());
+        if (c < Ncurves && is_set(Sets[i], CurveNd[c], CurveNc[c]))
             ReadSets.push_back(i);
-            c++;
-        }
     }
 }
 

@@ -112,12 +112,16 @@ static void write_plot(plot_t plot) {
 }
 
 // The terminal stands in front: on a page of panels gnuplot would refuse to change it.
-static void write_terminal(const std::string& image) {
+// A number from 1 is put in front of the name of the image, as gravlex does it.
+static void write_terminal(int number) {
     if (!image_is_asked_for()) {
         if (Terminal != nullptr)
             std::fprintf(f, "set terminal %s\n", Terminal);
         return;
     }
+    std::string image = ImgFname;
+    if (number != 0)
+        image.insert(0, std::to_string(number) + "_");
     write_image_terminal();
     std::fprintf(f, "set output ");
     write_name(f, image.c_str());
@@ -127,7 +131,7 @@ static void write_terminal(const std::string& image) {
 static void write_page() {
     write_comment(Output);
     for_each_plot(write_data_blocks);
-    write_terminal(image_is_asked_for() ? ImgFname : "");
+    write_terminal(0);
     // An image of a page has the encoding that was set when it began: the Angstrom sign needs it.
     if (page_has_panels())
         std::fprintf(f,
@@ -139,13 +143,6 @@ static void write_page() {
         std::fprintf(f, "unset multiplot\n");
 }
 
-// The name of an image with its number, as gravlex numbers them.
-static std::string image_name(int number) {
-    if (!image_is_asked_for())
-        return "";
-    return std::to_string(number) + "_" + ImgFname;
-}
-
 // One script, in which each plot has a window or an image of its own.
 static void write_windows() {
     write_comment(Output);
@@ -155,7 +152,7 @@ static void write_windows() {
         number++;
         if (!has_series(plot))
             return;
-        write_terminal(image_name(number));
+        write_terminal(number);
         if (!image_is_asked_for())
             std::fprintf(f,
                          "if (strstrt('|wxt|qt|x11|aqua|windows|', '|'.GPVAL_TERM.'|')) "
@@ -176,7 +173,7 @@ static void write_scripts() {
         f = new_file(name.c_str(), Force);
         write_comment(name.c_str());
         write_data_blocks(plot);
-        write_terminal(image_name(number));
+        write_terminal(number);
         write_plot(plot);
     });
 }

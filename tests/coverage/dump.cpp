@@ -20,18 +20,21 @@ extern "C" {
 void __gcov_dump();
 [[noreturn]] void __real__exit(int status);
 [[noreturn]] void __wrap__exit(int status);
+}
 
-void __wrap__exit(int status) {
+static void write_counts() {
     lift_limits();
     __gcov_dump();
-    __real__exit(status);
 }
+
+void __wrap__exit(int status) {
+    write_counts();
+    __real__exit(status);
 }
 
 // What goes on until somebody ends it waits meanwhile: the counts can be written then.
 static void end_counted(int signal) {
-    lift_limits();
-    __gcov_dump();
+    write_counts();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }

@@ -175,7 +175,6 @@ class Refused(kova.Programs):
         self.check_refused("a row of data set 1-1 of a is too long", PROGRAM, "a",
                            files={"a": text})
 
-
     def test_ended_while_it_reads(self):
         """One process waits for the other: neither outlives it."""
         with tempfile.TemporaryDirectory() as folder:
