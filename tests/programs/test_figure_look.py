@@ -9,6 +9,7 @@ import unittest
 import zlib
 
 import figures
+import kova
 import running
 from figures import BENZENE, CCL4, CIRCLES, ONE_PLOT, content, drawn
 
@@ -193,10 +194,14 @@ class Letters(unittest.TestCase):
         self.assertIn("(𝄞)", content("a.svg", "-n", "1-1=𝄞", *ONE_PLOT).decode())
 
     def test_numbers_of_y(self):
-        """Where they mean something."""
-        for arguments, numbers in (("--ytics",), False), (("--no-autoshifts",), False), \
-                (("--ytics", "--no-autoshifts"), True):
-            commands = drawn("-o", "a.svg", *arguments, *ONE_PLOT).commands
+        """Where they mean something: no curve is shifted, not only the first."""
+        flat = kova.file(kova.table(kova.data_set("1-1", "s sms", "1 0", "2 0", "3 0"),
+                                    kova.data_set("2-1", "s sms", "1 -1", "2 1", "3 -1")))
+        for arguments, numbers in (("--ytics", *ONE_PLOT), False), \
+                (("--no-autoshifts", *ONE_PLOT), False), \
+                (("--ytics", "--no-autoshifts", *ONE_PLOT), True), \
+                (("--ytics", "--data", "sms", "--curves", "1-1,2-1", "flat"), False):
+            commands = drawn("-o", "a.svg", *arguments, files={"flat": flat}).commands
             self.assertEqual("set format y '%g'" in commands, numbers, arguments)
 
 
