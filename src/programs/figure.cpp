@@ -56,14 +56,13 @@ static const poptOption Options[] = {
 };
 // clang-format on
 
-static const refused_option_t Refused[] = {
-    {"png", "use -o FILE.png"},
-    {"eps", "use -o FILE.eps"},
-    {"svg", "use -o FILE.svg"},
-    {"imgw", "use -s WIDTHxHEIGHT, in cm"},
-    {"imgl", "use -s WIDTHxHEIGHT, in cm"},
-    {"term", "the ending of -o FILE decides"},
-    {nullptr, nullptr},
+static const refused_options_t Refused[] = {
+    {{"png"}, "use -o FILE.png"},
+    {{"eps"}, "use -o FILE.eps"},
+    {{"svg"}, "use -o FILE.svg"},
+    {{"imgw", "imgl"}, "use -s WIDTHxHEIGHT, in cm"},
+    {{"term"}, "the ending of -o FILE decides"},
+    {},
 };
 
 static bool read_size() {

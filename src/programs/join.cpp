@@ -22,7 +22,7 @@ struct copied_set_t {
     const char* file;  // its name
     int number;        // that file's, from 1
     int Nd, Nc;
-    set_t columns;
+    columns_t columns;
     std::string factor;
     std::string rows;  // each a line
 };
@@ -57,7 +57,7 @@ namespace {
 // What stands in front of the two texts of a set.
 struct head_t {
     int Nd, Nc;
-    set_t columns;
+    columns_t columns;
     std::size_t factor_size, rows_size;
 };
 }  // namespace
@@ -104,7 +104,7 @@ static void take_sets(FILE* from, const char* name, int number) {
 
 static void read_file(const char* name, int number) {
     FILE* copied = scratch_file();
-    if (in_child([=] { leave_sets(name, copied); }) != EXIT_SUCCESS)
+    if (read_in_child([=] { leave_sets(name, copied); }) != EXIT_SUCCESS)
         std::exit(EXIT_FAILURE);
     take_sets(copied, name, number);
     std::fclose(copied);

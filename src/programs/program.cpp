@@ -2,12 +2,7 @@
 #include "program.h"
 
 #include <popt.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -18,11 +13,17 @@
 
 bool SeveralInputs = false;
 
-static int Ntables = 0;                    // of the file, up to the selected one
-static std::vector<set_t> Sets;            // of the table, whether they are read or not
-static std::vector<std::size_t> ReadSets;  // index in Sets of each set that was read
-static int SetsEnded = 0;                  // sets that were read to their end
-static set_t FirstHeader = {};             // layout 1 has one for all sets
+namespace {
+
+struct label_t {
+    int Nd, Nc;
+};
+
+}  // namespace
+
+static int Ntables = 0;                   // of the file, up to the selected one
+static std::vector<label_t> Labels;       // of its sets, whether they are read or not
+static std::vector<columns_t> SetsEnded;  // of each set that was read to its end
 static const char* InputName = nullptr;
 static const char* OwnName = nullptr;  // of the program
 static char Prefix[1000];              // the same with the table that is being read
@@ -38,12 +39,10 @@ static void meet_table() {
 }
 
 static void meet_set(int Nd, int Nc) {
-    Sets.push_back(FirstHeader);
-    Sets.back().Nd = Nd;
-    Sets.back().Nc = Nc;
+    Labels.push_back({Nd, Nc});
 }
 
-static void require_named_kinds() {
+static void meet_header() {
     unsigned found = 0;
     for (int i = 0; i < Ncols; i++)
         found |= static_cast<unsigned>(ColType[i]);
@@ -55,16 +54,12 @@ static void require_named_kinds() {
          TableN, kind_words(found & ~unsigned{P_GINT_S | P_GINT_R}).c_str());
 }
 
-static void meet_header() {
-    require_named_kinds();
-    set_t& header = Sets.empty() ? FirstHeader : Sets.back();
-    header.NcolsToPlot = NcolsToPlot;
-    std::memcpy(header.PlotColType, PlotColType, sizeof PlotColType);
-    std::memcpy(header.PlotTypePos, PlotTypePos, sizeof PlotTypePos);
-}
-
+// The columns are those of its header row as long as no other set has begun.
 static void meet_set_end() {
-    SetsEnded++;
+    columns_t columns = {NcolsToPlot, {}, {}};
+    std::memcpy(columns.PlotColType, PlotColType, sizeof PlotColType);
+    std::memcpy(columns.PlotTypePos, PlotTypePos, sizeof PlotTypePos);
+    SetsEnded.push_back(columns);
 }
 
 // Such a row is most often the last one of a file that is being written.
@@ -81,35 +76,40 @@ static constexpr int OPT_VERSION = 118;
 static constexpr int OPT_OWN = 2000;      // codes of a program's own options
 static constexpr int OPT_REFUSED = 3000;  // and of those of gravlex that it refuses
 
-// The place of an option among the refused ones, -1 if it is none of them.
-static int refused_place(const char* name) {
-    for (int i = 0; Program->refused[i].name != nullptr; i++) {
-        if (name != nullptr && std::strcmp(name, Program->refused[i].name) == 0)
-            return i;
+static poptOption Table[100];
+
+// What to use instead of an option of gravlex; null if it is not refused.
+static const char* instead_of(const char* name) {
+    for (const refused_options_t* row = Program->refused; row->instead != nullptr; row++) {
+        for (const char* const* refused = row->names; *refused != nullptr; refused++) {
+            if (std::strcmp(name, *refused) == 0)
+                return row->instead;
+        }
     }
-    return -1;
+    return nullptr;
 }
 
-// The program's own options, then those of gravlex. A refused one is known, but not in the help.
+// A refused option is known, but not in the help.
+static void refuse_option(poptOption* option) {
+    option->argInfo = (option->argInfo == POPT_ARG_NONE ? POPT_ARG_NONE : POPT_ARG_STRING) |
+                      POPT_ARGFLAG_DOC_HIDDEN;
+    option->arg = nullptr;
+    option->val = OPT_REFUSED + static_cast<int>(option - Table);
+}
+
+// The program's own options, then those of gravlex.
 static const poptOption* program_table() {
-    static poptOption table[100];
-    poptOption* to = table;
+    poptOption* to = Table;
     for (const poptOption* own = Program->options; own->longName != nullptr; own++)
         *to++ = *own;
-    const poptOption* from = optionsTable;
-    for (; from->longName != nullptr || from->arg != nullptr; from++) {
-        *to = *from;
-        const int place = refused_place(from->longName);
-        if (place != -1) {
-            to->argInfo = (from->argInfo == POPT_ARG_NONE ? POPT_ARG_NONE : POPT_ARG_STRING) |
-                          POPT_ARGFLAG_DOC_HIDDEN;
-            to->arg = nullptr;
-            to->val = OPT_REFUSED + place;
-        }
+    for (const poptOption* common = optionsTable;
+         common->longName != nullptr || common->arg != nullptr; common++) {
+        *to = *common;
+        if (common->longName != nullptr && instead_of(common->longName) != nullptr)
+            refuse_option(to);
         to++;
     }
-    *to = *from;
-    return table;
+    return Table;
 }
 
 static bool handle_program_option(int code) {
@@ -121,8 +121,8 @@ static bool handle_program_option(int code) {
         return handle_option(code);
     if (code < OPT_REFUSED)
         return Program->handle(code);
-    const refused_option_t& refused = Program->refused[code - OPT_REFUSED];
-    complain("--%s makes no sense here: %s\n", refused.name, refused.instead);
+    const char* name = Table[code - OPT_REFUSED].longName;
+    complain("--%s makes no sense here: %s\n", name, instead_of(name));
     return false;
 }
 
@@ -148,42 +148,32 @@ const char* only_input(char** names) {
     return names[0];
 }
 
-static bool is_set(const set_t& set, int Nd, int Nc) {
-    return set.Nd == Nd && set.Nc == Nc;
-}
-
 static void read_tables() {
     MetTable = meet_table;
     MetSet = meet_set;
     MetHeader = meet_header;
     MetSetEnd = meet_set_end;
-    OwnName = ProgramName;
     MetWrongRow = meet_wrong_row;
+    OwnName = ProgramName;
     if (detect_int_table_version(InputName) == 2)
         parse_kova_int_tables_ver2(InputName);
     else
         parse_kova_int_tables_ver1(InputName);
     ProgramName = OwnName;
-    // Each set that was read, in the order of the file.
-    for (std::size_t i = 0; i < Sets.size(); i++) {
-        const int c = static_cast<int>(ReadSets.size());
-        if (c < Ncurves && is_set(Sets[i], CurveNd[c], CurveNc[c]))
-            ReadSets.push_back(i);
-    }
 }
 
-const set_t& own_columns(int c) {
-    return Sets[ReadSets[static_cast<std::size_t>(c)]];
+const columns_t& own_columns(int c) {
+    return SetsEnded[static_cast<std::size_t>(c)];
 }
 
 // The labels of the table, as many as a sentence can hold.
 static std::string labels() {
     std::string text;
-    for (const set_t& set : Sets) {
+    for (const label_t& label : Labels) {
         if (text.size() > 360)
             return text + ", ...";
         text += text.empty() ? "" : ", ";
-        text += std::to_string(set.Nd) + "-" + std::to_string(set.Nc);
+        text += std::to_string(label.Nd) + "-" + std::to_string(label.Nc);
     }
     return text;
 }
@@ -193,13 +183,13 @@ static void require_table() {
         fail(stderr, "%s is no output of KOVA: there is no table in it\n", InputName);
     if (TableN < 1 || TableN > Ntables)
         fail(stderr, "no table %d in %s (it has %d)\n", TableN, InputName, Ntables);
-    if (Sets.empty())
+    if (Labels.empty())
         fail(stderr, "no data sets in table %d of %s\n", TableN, InputName);
 }
 
 void require_set(int Nd, int Nc) {
-    for (const set_t& set : Sets) {
-        if (is_set(set, Nd, Nc))
+    for (const label_t& label : Labels) {
+        if (label.Nd == Nd && label.Nc == Nc)
             return;
     }
     fail(stderr, "no data set %d-%d in %s (table %d has %s)\n", Nd, Nc, InputName, TableN,
@@ -211,7 +201,7 @@ static void require_sets() {
         require_set(ParToReadNum1[i], ParToReadNum2[i]);
     for (int i = 0; i < NparToCombine; i++)
         require_set(ParToCombineNum1[i], ParToCombineNum2[i]);
-    if (SetsEnded < Ncurves)
+    if (static_cast<int>(SetsEnded.size()) < Ncurves)
         fail(stderr, "%s ends in the middle of data set %d-%d\n", InputName, CurveNd[Ncurves - 1],
              CurveNc[Ncurves - 1]);
     for (int c = 0; c < Ncurves; c++) {
@@ -240,32 +230,12 @@ void read_input(const char* inpFname) {
     group_curves();
 }
 
-int in_child(const std::function<void()>& work) {
-    const pid_t own = getpid();
-    const pid_t child = fork();
-    // GCOV_EXCL_START no process to be had
-    if (child == -1)
-        fail(stderr, "cannot start another process: %s\n", std::strerror(errno));
-    // GCOV_EXCL_STOP
-    if (child == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (getppid() == own)  // GCOV_EXCL_BR_LINE it has ended already
-            work();
-        std::exit(EXIT_SUCCESS);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (WIFSIGNALED(status))
-        fail(stderr, "the process that reads was ended: %s\n", strsignal(WTERMSIG(status)));
-    return WEXITSTATUS(status);
-}
-
 void require_equal_columns(const char* inpFname) {
-    const set_t& first = own_columns(0);
+    const columns_t& first = own_columns(0);
     for (int c = 1; c < Ncurves; c++) {
-        const set_t& set = own_columns(c);
-        if (set.NcolsToPlot == first.NcolsToPlot &&
-            std::memcmp(set.PlotColType, first.PlotColType, sizeof first.PlotColType) == 0)
+        const columns_t& own = own_columns(c);
+        if (own.NcolsToPlot == first.NcolsToPlot &&
+            std::memcmp(own.PlotColType, first.PlotColType, sizeof first.PlotColType) == 0)
             continue;
         fail(stderr,
              "data sets %d-%d and %d-%d of %s have different columns: choose with --curves\n",
@@ -288,48 +258,21 @@ void prepare_plots(const char* inpFname) {
 
 // ---- Numbers -----------------------------------------------------------------------------------
 
-static constexpr char DRAW[] = "gravlex and gravlex-figure draw, this program writes numbers";
-static constexpr char WHOLE[] = "whole curves are written";
-static constexpr char UNSHIFTED[] = "curves are written without shifts";
-static constexpr char COPIED[] = "numbers are copied; give it to gravlex with the joined file";
-
-const refused_option_t ChangingOptions[] = {
-    {"bglp1", COPIED},
-    {"smsef", COPIED},
-    {"png", DRAW},
-    {"eps", DRAW},
-    {"svg", DRAW},
-    {"imgw", DRAW},
-    {"imgl", DRAW},
-    {"grid", DRAW},
-    {"legend", DRAW},
-    {"no-xtics", DRAW},
-    {"ytics", DRAW},
-    {"x2tics", DRAW},
-    {"y2tics", DRAW},
-    {"ratio", DRAW},
-    {"term", DRAW},
-    {"no-multiplot", DRAW},
-    {"no-autoshifts", UNSHIFTED},
-    {"shiftmult", UNSHIFTED},
-    {"lw", DRAW},
-    {"elw", DRAW},
-    {"psf", DRAW},
-    {"efa", DRAW},
-    {"dcombine", "use --dread"},
-    {"ccombine", "use --cread"},
-    {"smserrbars", "use --dread with smss"},
-    {"dsmserrbars", "use --dread with smss"},
-    {"smserrfill", "use --dread with smss"},
-    {"dsmserrfill", "use --dread with smss"},
-    {"dsmslerrfill", "use --dread with smss"},
-    {"style_sms", DRAW},
-    {"ptype_sms", DRAW},
-    {"xmin", WHOLE},
-    {"xmax", WHOLE},
-    {nullptr, nullptr},
+const refused_options_t ChangingOptions[] = {
+    {{"bglp1", "smsef"}, "numbers are copied; give it to gravlex with the joined file"},
+    {{"png",      "eps",   "svg",    "imgw",   "imgl",      "grid",     "legend",
+      "no-xtics", "ytics", "x2tics", "y2tics", "ratio",     "term",     "no-multiplot",
+      "lw",       "elw",   "psf",    "efa",    "style_sms", "ptype_sms"},
+     "gravlex and gravlex-figure draw, this program writes numbers"},
+    {{"no-autoshifts", "shiftmult"}, "curves are written without shifts"},
+    {{"dcombine"}, "use --dread"},
+    {{"ccombine"}, "use --cread"},
+    {{"smserrbars", "dsmserrbars", "smserrfill", "dsmserrfill", "dsmslerrfill"},
+     "use --dread with smss"},
+    {{"xmin", "xmax"}, "whole curves are written"},
+    {},
 };
-const refused_option_t* const DrawingOptions = ChangingOptions + 2;
+const refused_options_t* const DrawingOptions = ChangingOptions + 1;
 
 const char* column_word(int kind) {
     const char* word = kind_word(kind);
@@ -347,9 +290,9 @@ std::string kind_words(unsigned mask) {
     return words;
 }
 
-int column_of(const set_t& set, int kind) {
-    for (int j = 0; j < set.NcolsToPlot; j++) {
-        if (set.PlotColType[j] == kind)
+int column_of(const columns_t& columns, int kind) {
+    for (int j = 0; j < columns.NcolsToPlot; j++) {
+        if (columns.PlotColType[j] == kind)
             return j;
     }
     return -1;

@@ -20,7 +20,7 @@ static const poptOption OwnOptions[] = {
      "Write the script to 'file' (gravlex.gp); - is standard output", "file"},
     POPT_TABLEEND};
 
-static const refused_option_t Refused[] = {{nullptr, nullptr}};
+static const refused_options_t Refused[] = {{}};
 
 static const program_t Script = {"gravlex-script", "[options...] inputfile", OwnOptions, nullptr,
                                  Refused};

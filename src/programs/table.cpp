@@ -52,12 +52,12 @@ static int find_kinds(int (&kinds)[MAX_COLS]) {
     int count = 0;
     kinds[count++] = P_GINT_S;
     for (int c = 0; c < Ncurves; c++) {
-        const set_t& set = own_columns(c);
-        for (int j = 0; j < set.NcolsToPlot; j++) {
-            if (is_in(set.PlotColType[j], found))
+        const columns_t& columns = own_columns(c);
+        for (int j = 0; j < columns.NcolsToPlot; j++) {
+            if (is_in(columns.PlotColType[j], found))
                 continue;
-            found |= static_cast<unsigned>(set.PlotColType[j]);
-            kinds[count++] = set.PlotColType[j];
+            found |= static_cast<unsigned>(columns.PlotColType[j]);
+            kinds[count++] = columns.PlotColType[j];
         }
     }
     return count;

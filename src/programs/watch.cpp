@@ -21,14 +21,13 @@
 
 static const poptOption NoOptions[] = {POPT_TABLEEND};
 
-static const refused_option_t Refused[] = {
-    {"png", "gravlex --png writes an image"},
-    {"eps", "gravlex --eps writes an image"},
-    {"svg", "gravlex --svg writes an image"},
-    {"imgw", "resize the window, or use --term 'wxt size 900,600'"},
-    {"imgl", "resize the window, or use --term 'wxt size 900,600'"},
-    {"no-multiplot", "there is one window; choose one plot with --data and --curves"},
-    {nullptr, nullptr},
+static const refused_options_t Refused[] = {
+    {{"png"}, "gravlex --png writes an image"},
+    {{"eps"}, "gravlex --eps writes an image"},
+    {{"svg"}, "gravlex --svg writes an image"},
+    {{"imgw", "imgl"}, "resize the window, or use --term 'wxt size 900,600'"},
+    {{"no-multiplot"}, "there is one window; choose one plot with --data and --curves"},
+    {},
 };
 
 static const program_t Watch = {"gravlex-watch", "[options...] inputfile", NoOptions, nullptr,

@@ -9,7 +9,8 @@ from manual import matches, plain
 
 PATH = program.ROOT / "man/gravlex.1"
 PAGE = manual.read(PATH)
-MESSAGES = program.messages(sorted((program.ROOT / "src/kova").rglob("*.cpp")))
+MESSAGES = program.messages(path for part in ("run", "input", "plot")
+                            for path in sorted((program.ROOT / "src/kova" / part).glob("*.cpp")))
 STREAMS = {"stdout": "Standard output.", "stderr": "Standard error."}
 
 

@@ -12,7 +12,8 @@ from manual import plain
 LISTED = Listed(LIST)
 FOLDER = program.ROOT / "src/programs"
 # Those of the reader stand in the page of gravlex.
-SHARED = [*FOLDER.glob("[op]*.cpp"), program.ROOT / "src/kova/run/options.cpp"]
+CORE = program.ROOT / "src/kova"
+SHARED = [FOLDER / "program.cpp", CORE / "run/options.cpp", *CORE.glob("output/*.cpp")]
 NAMES = sorted(set(LISTED.refused) - {"gravlex"})  # that has tests of its own
 
 

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// The files that a program writes. Each grows under another name beside its own, so that what is
-// there is the old one or the whole new one at every moment. And the start of gnuplot.
+// Each file grows under another name beside its own, so that what is there is the old one or the
+// whole new one at every moment.
 #include <fcntl.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
-#include "program.h"
+#include "output/output.h"
+#include "run/run.h"
 
 namespace {
 
@@ -185,44 +183,4 @@ std::string numbered_name(const char* name, int number) {
     if (ending == nullptr || ending == base)
         ending = name + std::strlen(name);
     return std::string(name, ending) + "-" + std::to_string(number) + ending;
-}
-
-// ---- gnuplot -----------------------------------------------------------------------------------
-
-// How a shell ends, too, that does not find what it is to start.
-static constexpr int NO_GNUPLOT = 127;
-
-// No settings of the user's. Without a UTF-8 locale gnuplot complains about the encoding.
-void become_gnuplot(const char* script) {
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    setenv("LC_ALL", "C.UTF-8", 1);
-    execlp("gnuplot", "gnuplot", "-d", script, static_cast<char*>(nullptr));
-    _exit(NO_GNUPLOT);
-}
-
-void blame_gnuplot(int status, const std::string& complaint) {
-    if (!complaint.empty())
-        fail(stderr, "gnuplot says: %s\n", complaint.c_str());
-    if (WEXITSTATUS(status) == NO_GNUPLOT)
-        fail(stderr, "gnuplot not found: install it, or put it on the search path\n");
-}
-
-// Octal digits stand for whatever could mean something to gnuplot.
-static void write_quoted(FILE* commands, const char* start, const char* text) {
-    std::fprintf(commands, "\"%s", start);
-    for (const char* c = text; *c != '\0'; c++) {
-        const bool plain = std::strchr(" _./,=+-()", *c) != nullptr || std::isalnum(*c & 0xff);
-        std::fprintf(commands, plain ? "%c" : "\\%03o", static_cast<unsigned char>(*c));
-    }
-    std::fprintf(commands, "\"");
-}
-
-void write_text(FILE* commands, const char* text) {
-    write_quoted(commands, "", text);
-}
-
-// "./" keeps a pipe "|cmd" and an option from being one.
-void write_name(FILE* commands, const char* name) {
-    const bool plain_start = std::strchr("_./", *name) != nullptr || std::isalnum(*name & 0xff);
-    write_quoted(commands, plain_start ? "" : "./", name);
 }
