@@ -168,6 +168,9 @@ class Refused(kova.Programs):
         with open("/dev/full", "wb") as full:
             self.check_refused("Cannot write to standard output: No space left on device", PROGRAM,
                                "a", files={"a": ONE}, stdout=full)
+        self.check_refused("cannot write a temporary file: File too large", "/bin/sh", "-c",
+                           'ulimit -S -f 1; exec "$@"', "sh", PROGRAM, "-o", "new", "big",
+                           files={"big": file(table(data_set("1-1", "s sms", *["1 2"] * 4000)))})
 
     def test_row_too_long(self):
         """Text that touches needs blanks in columns."""
