@@ -2,7 +2,6 @@
 //
 // The gnuplot that draws a picture, and why it did not.
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,9 +28,7 @@ static int run_gnuplot(FILE* commands, FILE* picture, FILE* messages) {
     if (gnuplot == -1)
         fail(stderr, "cannot start gnuplot: %s\n", std::strerror(errno));
     // GCOV_EXCL_STOP
-    int status = 0;
-    waitpid(gnuplot, &status, 0);
-    return status;
+    return status_of_end(gnuplot);
 }
 
 // gnuplot shows the command that is wrong before it says why, and in front of that the place in a
@@ -58,7 +55,6 @@ static std::string read_complaint(FILE* messages) {
 
 void draw(FILE* commands, FILE* picture) {
     complete(commands);
-    lseek(fileno(commands), 0, SEEK_SET);
     FILE* messages = scratch_file();
     const int status = run_gnuplot(commands, picture, messages);
     struct stat drawn = {};

@@ -10,7 +10,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <popt.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -98,9 +97,7 @@ static void read_again(const char* name, FILE* commands) {
         read_once(name, commands, number, messages[1]);
     close(messages[1]);
     const std::string sentence = take_sentence(messages[0]);
-    int status = 0;
-    waitpid(reader, &status, 0);
-    if (status == 0)
+    if (status_of_end(reader) == 0)
         draw_picture(number);
     else if (is_news(sentence))
         complain("%s (waiting for a change)\n", sentence.c_str());

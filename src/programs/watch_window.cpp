@@ -10,7 +10,6 @@
 //                     end
 //     closed          somebody has closed the window
 #include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -169,8 +168,7 @@ void take_messages() {
 // ---- End ---------------------------------------------------------------------------------------
 
 void end_with_gnuplot() {
-    int status = 0;
-    waitpid(Gnuplot, &status, 0);
+    const int status = status_of_end(Gnuplot);
     take_messages();
     if (Closed)
         std::exit(EXIT_SUCCESS);

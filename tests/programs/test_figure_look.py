@@ -294,6 +294,7 @@ class Curves(unittest.TestCase):
         self.assertLess(len(thin), 1300)
         self.assertEqual(sorted(thin, key=whole.index), thin)
         self.assertIn("2.500000 9.000000", thin)
+        self.assertEqual(sum("nan" in row for row in thin), 10)
         self.assertEqual(len(block("a.png", "sms")), 5000)
 
     def test_degenerate_ranges(self):

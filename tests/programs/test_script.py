@@ -326,11 +326,15 @@ class Script(ProgramTest):
                 self.assertEqual((process.returncode, self.state()), (-number, before))
 
     def test_ignored_signals(self):
+        """One that is ignored stays so; the others do what they do."""
         (self.home / "in").write_text(table(*(f"{n}-1" for n in range(200))))
-        self.run_program("sh", "-c", 'trap "" HUP; "$@" & '
-                         "while ! ls -A | grep -q gravlex-; do :; done; kill -HUP $!; wait $!", "sh",
-                         PROGRAM.parent / "gravlex-script", "--no-multiplot", "../in")
-        self.assertEqual(len(self.files()), 400)
+        for name, status, files in ("HUP", 0, 400), ("TERM", 128 + signal.SIGTERM, 0):
+            self.run_program("sh", "-c", 'trap "" HUP; "$@" & while ! ls -A | grep -q gravlex-; do '
+                             f":; done; kill -{name} $!; wait $!", "sh",
+                             PROGRAM.parent / "gravlex-script", "--no-multiplot", "../in",
+                             status=status)
+            self.assertEqual(len(self.files()), files)
+            self.clear()
 
     # ---- The command line ------------------------------------------------------------------------
 

@@ -202,6 +202,11 @@ class List(kova.Programs):
         self.check_refused("no table 7 in a (it has 2)", PROGRAM, "--list", "-t7", "a",
                            files={"a": SMALL})
 
+    def test_s_behind_another(self):
+        text = file(table(data_set("1-1", "sms s", "5 1", "6 2")))
+        self.assertEqual(self.run_program(PROGRAM, "--list", "a", files={"a": text}),
+                         HEAD + line(1, "1-1", 2, 1, 2, 1, "sms"))
+
     def test_nothing_in_it(self):
         text = file(table(), table(data_set("1-1", "r sms")),
                     table(data_set("1-1", "s r", "nan 1")))

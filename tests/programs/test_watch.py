@@ -226,7 +226,8 @@ class Picture(Watched):
     def test_curves_without_an_extent(self):
         flat = table("1-1", rows=((2, 0, 0), (3, 0, 0)))
         point = table("1-1", rows=((2, 1, 1),))
-        self.drawn_and_drawn_again([*DUMB, "fit.out"], flat, point)
+        shown = self.drawn_and_drawn_again([*DUMB, "fit.out"], flat, point)
+        self.assertRegex(shown, r"\n {5}1 +1\.5 +2 +2\.5 +3 +\n")
 
     def test_deviations(self):
         """A panel without a curve stays empty."""

@@ -4,6 +4,8 @@
 // that read or draw. gravlex needs none of it: its commands go through a pipe.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -33,6 +35,9 @@ std::string numbered_name(const char* name, int number);
 // Does the work in a process of its own, as the core reads once in a process. Returns its exit
 // status; one that is killed ends the run with a sentence. It ends with the process that waits.
 int read_in_child(const std::function<void()>& work);
+
+// Waits for a child and returns the status of its end, as waitpid gives it.
+int status_of_end(pid_t child);
 
 // For a child: becomes gnuplot, which reads the script, or its standard input where that is null.
 // It ends with the process that waits for it.

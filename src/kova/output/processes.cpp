@@ -12,6 +12,12 @@
 #include "output/output.h"
 #include "run/run.h"
 
+int status_of_end(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
 int read_in_child(const std::function<void()>& work) {
     const pid_t own = getpid();
     const pid_t child = fork();
@@ -25,8 +31,7 @@ int read_in_child(const std::function<void()>& work) {
             work();
         std::exit(EXIT_SUCCESS);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
+    const int status = status_of_end(child);
     if (WIFSIGNALED(status))
         fail(stderr, "the process that reads was ended: %s\n", strsignal(WTERMSIG(status)));
     return WEXITSTATUS(status);
