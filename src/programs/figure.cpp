@@ -186,7 +186,7 @@ static entry_t entry_of(int c, int j) {
         if (is_named(name, c))
             set = name.text;
     }
-    return {c, j, Type[d_idx(PlotColType[j])].name_short + (" (" + set + ")"), 0.0, 0.0};
+    return {c, j, Type[d_idx(PlotColType[j])].name_short + (" (" + set + ")")};
 }
 
 // An axis needs two ends, in this order, that the numbers on it can tell from each other.

@@ -43,7 +43,8 @@ bool is_format(const char* ending);
 struct entry_t {
     int c, j;
     std::string text;
-    double x, depth;  // of its text: from the left of the panel, and below its upper margin's top
+    // Of its text: from the left of the panel, and below its upper margin's top.
+    double x = 0.0, depth = 0.0;
 };
 
 struct panel_t {

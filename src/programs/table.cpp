@@ -7,6 +7,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <vector>
 
 #include "input/input.h"
 
@@ -46,56 +47,55 @@ static void put(double number) {
 }
 
 // The kinds of all sets, s first, then as they are met: the order of the first header, and behind
-// it what only later ones have. Returns how many there are.
-static int find_kinds(int (&kinds)[MAX_COLS]) {
+// it what only later ones have.
+static std::vector<int> find_kinds() {
+    std::vector<int> kinds = {P_GINT_S};
     unsigned found = P_GINT_S;
-    int count = 0;
-    kinds[count++] = P_GINT_S;
     for (int c = 0; c < Ncurves; c++) {
         const columns_t& columns = own_columns(c);
         for (int j = 0; j < columns.NcolsToPlot; j++) {
             if (is_in(columns.PlotColType[j], found))
                 continue;
             found |= static_cast<unsigned>(columns.PlotColType[j]);
-            kinds[count++] = columns.PlotColType[j];
+            kinds.push_back(columns.PlotColType[j]);
         }
     }
-    return count;
+    return kinds;
 }
 
-static void write_set(int c, const int* kinds, int count) {
+static void write_set(int c, const std::vector<int>& kinds) {
     char label[FIELD_SIZE];
     std::snprintf(label, sizeof label, "%d-%d", CurveNd[c], CurveNc[c]);
-    const double* columns[MAX_COLS];  // null for a kind that the set lacks
-    for (int i = 0; i < count; i++) {
-        const int j = column_of(own_columns(c), kinds[i]);
-        columns[i] = j == -1 ? nullptr : Curve[c][j];
+    std::vector<const double*> columns;  // null for a kind that the set lacks
+    columns.reserve(kinds.size());
+    for (const int kind : kinds) {
+        const int j = column_of(own_columns(c), kind);
+        columns.push_back(j == -1 ? nullptr : Curve[c][j]);
     }
     for (int k = 0; k < Npts[c] && !std::ferror(To); k++) {
         if (End + ROW_SIZE > Block + sizeof Block)
             flush_block();
         put(label);
-        for (int i = 0; i < count; i++) {
+        for (const double* column : columns) {
             put(',');
-            if (columns[i] != nullptr)
-                put(columns[i][k]);
+            if (column != nullptr)
+                put(column[k]);
         }
         put('\n');
     }
 }
 
 static void write_csv(FILE* file) {
-    int kinds[MAX_COLS];
-    const int count = find_kinds(kinds);
+    const std::vector<int> kinds = find_kinds();
     To = file;
     put("set");
-    for (int i = 0; i < count; i++) {
+    for (const int kind : kinds) {
         put(',');
-        put(column_word(kinds[i]));
+        put(column_word(kind));
     }
     put('\n');
     for (int c = 0; c < Ncurves; c++)
-        write_set(c, kinds, count);
+        write_set(c, kinds);
     flush_block();
 }
 

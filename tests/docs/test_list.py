@@ -32,6 +32,13 @@ class List(unittest.TestCase):
                 listed = [option for option, _ in LISTED.options(name)]
                 self.assertEqual(shown(listed), shown(program.options(BUILD / name)))
 
+    def test_usage(self):
+        for line in LISTED.sections["programs"]:
+            name, inputs = line.split()[:2]
+            text = subprocess.run([BUILD / name, "--help"], capture_output=True, text=True,
+                                  check=True).stdout
+            self.assertTrue(text.startswith(f"Usage: {name} [options...] {inputs}\n"), name)
+
     def test_types(self):
         known = set(LISTED.sections) | {"", "file", "sets"}
         for name, refused in LISTED.refused.items():

@@ -174,9 +174,13 @@ class Refused(kova.Programs):
 
     def test_row_too_long(self):
         """Text that touches needs blanks in columns."""
-        text = file(table(data_set("1-1", "s sms tsms", f"{'1' * 200}-{'1' * 193}-1")))
+        def text(length):
+            """In columns the row has as many characters, and the end of the line."""
+            return file(table(data_set("1-1", "s sms tsms",
+                                       f"{'1' * 200}-{'1' * (length - 219)}-1")))
+        self.run_program(PROGRAM, "a", files={"a": text(398)})
         self.check_refused("a row of data set 1-1 of a is too long", PROGRAM, "a",
-                           files={"a": text})
+                           files={"a": text(399)})
 
     def test_ended_while_it_reads(self):
         """One process waits for the other: neither outlives it."""

@@ -150,10 +150,11 @@ class Script(ProgramTest):
         self.assertEqual((self.work / "plot.pdf").read_bytes()[:5], b"%PDF-")
 
     def test_comment(self):
-        self.script("--data", "sms,tsms", "--curves", "1-1,2-1", "--png", "fit.png", "../ccl4.out")
+        self.script("--data", "sms,tsms", "--curves", "1-1,2-1", "--png", "my fit.png",
+                    "../ccl4.out")
         self.assertEqual(self.kept().split("$")[0], """\
 # A gnuplot script, written by
-#    gravlex-script --data sms,tsms --curves 1-1,2-1 --png fit.png ../ccl4.out
+#    gravlex-script --data sms,tsms --curves 1-1,2-1 --png 'my fit.png' ../ccl4.out
 # Table 1 of ../ccl4.out: Experimental sM(s), Theoretical sM(s)
 # of the data sets 1-1, 2-1
 # Draw the image:  gnuplot gravlex.gp
@@ -375,7 +376,7 @@ class Script(ProgramTest):
         for arguments, message in (
                 ("-t2", "no table 2 in in (it has 1)"), ("-t0", "no table 0 in in (it has 1)"),
                 ("--cread=3-1", "no data set 3-1 in in (table 1 has 1-1, 2-1)"),
-                ("--ccombine=1-1,1-2", "no data set 1-2 in in (table 1 has 1-1, 2-1)"),
+                ("--ccombine=1-1,3-1", "no data set 3-1 in in (table 1 has 1-1, 2-1)"),
                 ("--data=sms,bgl,sec", "no kind bgl, sec in in (table 1 has sms, tsms)"),
                 ("--dcombine=sec", "no kind sec in in (table 1 has sms, tsms)"),
                 ("--smserrfill", "no deviations to show in in: read smss as well")):

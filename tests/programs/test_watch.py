@@ -76,6 +76,12 @@ class Session:
         (self.folder / "fit.new").write_text(text)
         (self.folder / "fit.new").rename(self.file)
 
+    def commands(self):
+        """What gnuplot loads, from the file without a name."""
+        return "".join(path.read_text() for path in
+                       pathlib.Path(f"/proc/{self.process.pid}/fd").iterdir()
+                       if os.readlink(path).endswith("(deleted)"))
+
     def replace_and_wait(self, text):
         """Until it has been read, whatever came of it."""
         (self.folder / "fit.new").write_text(text)
@@ -228,6 +234,15 @@ class Picture(Watched):
         point = table("1-1", rows=((2, 1, 1),))
         shown = self.drawn_and_drawn_again([*DUMB, "fit.out"], flat, point)
         self.assertRegex(shown, r"\n {5}1 +1\.5 +2 +2\.5 +3 +\n")
+
+    def test_encoding(self):
+        """Where a font for another one is missing, x11 would take that for a closed window."""
+        for arguments in DUMB, DUMB[:-2]:
+            def steps(session):
+                session.wait("messages", "drawn 1\n")
+                *_, last = re.findall("set encoding (.*)\n", session.commands())
+                self.assertEqual(last, "default")
+            self.check_end(watch([*arguments, "fit.out"], steps))
 
     def test_deviations(self):
         """A panel without a curve stays empty."""
