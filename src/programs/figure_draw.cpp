@@ -12,12 +12,10 @@
 
 // In the child. gnuplot reads the commands as a file, which it does in blocks.
 [[noreturn]] static void draw_in_child(int commands, int picture, int messages) {
-    char name[32];
-    std::snprintf(name, sizeof name, "/dev/fd/%d", commands);
     setenv("GNUTERM", "unknown", 1);  // every picture has a terminal of its own
     dup2(picture, STDOUT_FILENO);
     dup2(messages, STDERR_FILENO);
-    become_gnuplot(name);
+    become_gnuplot(("/dev/fd/" + std::to_string(commands)).c_str());
 }
 
 static int run_gnuplot(FILE* commands, FILE* picture, FILE* messages) {

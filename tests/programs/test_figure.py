@@ -52,7 +52,8 @@ REFUSED = (
     (("-o", "a.pdf", "-n", "x=1-1", CCL4), "a name is N-M=TEXT, .*; not 'x=1-1'"),
     (("-o", "a.pdf", "-n", "1-1=a\nb", CCL4), "the name of 1-1 is no text in UTF-8 on one line"),
     *((("-o", "a.pdf", "-n", os.fsdecode(b"1-1=" + text), CCL4), "the name of 1-1 is no text .*")
-      for text in (b"\xc5", b"\xc2\x85", b"\x7f", b"\x80", b"\xff", b"\xc1\xa1", b"\xf5\x80\x80\x80")),
+      for text in (b"\xc5", b"\xc2\x85", b"\x7f", b"\x80", b"\xff", b"\xc1\xa1",
+                   b"\xf5\x80\x80\x80")),
     (("-o", "a.pdf", "-n", "9-9=x", CCL4),
      r"no data set 9-9 in .*ccl4.out \(table 1 has 1-1, 2-1, 3-1\)"),
     (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),

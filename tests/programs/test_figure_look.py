@@ -188,7 +188,8 @@ class Letters(unittest.TestCase):
         run = drawn("-o", "a.pdf", "-s", "30x11", "-n", f"1-1={text}", "-d", "sms", "-c", "1-1,1-2",
                     BENZENE)
         self.assertEqual(list(run.files), ["a.pdf"])
-        shown = " ".join(figures.tool("pdftotext", "-raw", "-", "-", given=run.files["a.pdf"]).split())
+        shown = " ".join(figures.tool("pdftotext", "-raw", "-", "-",
+                                      given=run.files["a.pdf"]).split())
         self.assertIn(f"Exp.sM(s) ({text})", shown)
         self.assertIn("Exp.sM(s) (1-2)", shown)
         self.assertIn("(𝄞)", content("a.svg", "-n", "1-1=𝄞", *ONE_PLOT).decode())

@@ -172,6 +172,13 @@ class Refused(kova.Programs):
                            'ulimit -S -f 1; exec "$@"', "sh", PROGRAM, "-o", "new", "big",
                            files={"big": file(table(data_set("1-1", "s sms", *["1 2"] * 4000)))})
 
+    def test_many_files(self):
+        """More than a process may have open."""
+        joined = self.run_program("sh", "-c", f'ulimit -n 20; {PROGRAM} {"a " * 40}',
+                                  env={"PATH": f"{running.PROGRAM.parent}:/usr/bin:/bin"},
+                                  files={"a": ONE})
+        self.assertEqual(joined.count("Set: "), 40)
+
     def test_row_too_long(self):
         """Text that touches needs blanks in columns."""
         def text(length):

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "output/output.h"
 #include "run/run.h"
@@ -19,23 +20,21 @@ namespace {
 
 struct new_file_t {
     FILE* file;
-    char* name;       // that it will have; null for standard output
-    char* temporary;  // that it has
-    bool replaces;    // may replace what has that name
+    std::string name;       // that it will have; none for standard output
+    std::string temporary;  // that it has, as long as it has it
+    bool replaces;          // may replace what has that name
 };
 
 }  // namespace
 
-static new_file_t* Files = nullptr;
-static volatile int Nfiles = 0;
+// Null before the first. Never destroyed: a signal may come at the very end.
+static std::vector<new_file_t>* Files = nullptr;
 
 // ---- On the way out ----------------------------------------------------------------------------
 
 static void remove_temporaries() {
-    for (int i = 0; i < Nfiles; i++) {
-        if (Files[i].temporary != nullptr)
-            unlink(Files[i].temporary);
-    }
+    for (const new_file_t& file : *Files)
+        unlink(file.temporary.c_str());
 }
 
 // Only what may be called in the middle of anything else.
@@ -48,6 +47,7 @@ static void end_by_signal(int signal) {
 // GCOV_EXCL_STOP
 
 static void prepare_end() {
+    Files = new std::vector<new_file_t>;
     std::atexit(remove_temporaries);
     for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         struct sigaction action = {};
@@ -70,8 +70,8 @@ static void block_signals(int how) {
 
 // ---- Files -------------------------------------------------------------------------------------
 
-[[noreturn]] static void fail_to_write(const char* name, int error) {
-    fail(stderr, "cannot write %s: %s\n", name, std::strerror(error));
+[[noreturn]] static void fail_to_write(const std::string& name, int error) {
+    fail(stderr, "cannot write %s: %s\n", name.c_str(), std::strerror(error));
 }
 
 // The part behind the folder.
@@ -83,85 +83,80 @@ static const char* base_name(const char* name) {
     return base;
 }
 
-static char* copy_of(const char* text) {
-    return std::strcpy(resized<char>(nullptr, std::strlen(text) + 1), text);
-}
-
 // The name without the links that lead to it: they stay when the file is replaced.
-static char* final_name(const char* name, bool overwrite) {
+static std::string final_name(const char* name, bool overwrite) {
     struct stat status;
     if (lstat(name, &status) != 0)
-        return copy_of(name);
+        return name;
     char* resolved = realpath(name, nullptr);
     if (resolved == nullptr)
         fail_to_write(name, errno);
-    lstat(resolved, &status);
+    std::string final = resolved;
+    std::free(resolved);
+    lstat(final.c_str(), &status);
     if (!S_ISREG(status.st_mode))
         fail(stderr, "%s is no file that can be replaced\n", name);
     if (!overwrite)
         fail(stderr, "%s exists already: -f replaces it\n", name);
-    return resolved;
+    return final;
 }
 
 // A file beside the one of this name, with the rights that a new file has.
-static FILE* open_beside(const char* name, char** temporary) {
-    const int folder = static_cast<int>(base_name(name) - name);
-    const std::size_t room = static_cast<std::size_t>(folder) + 32;
-    *temporary = resized<char>(nullptr, room);
-    std::snprintf(*temporary, room, "%.*s.gravlex-XXXXXX", folder, name);
-    const int descriptor = mkostemp(*temporary, O_CLOEXEC);
+static void open_beside(new_file_t* file) {
+    const char* name = file->name.c_str();
+    file->temporary = std::string(name, base_name(name)) + ".gravlex-XXXXXX";
+    const int descriptor = mkostemp(file->temporary.data(), O_CLOEXEC);
     if (descriptor == -1)
-        fail_to_write(name, errno);
+        fail_to_write(file->name, errno);
     const mode_t mask = umask(0);
     umask(mask);
     fchmod(descriptor, 0666 & ~mask);
-    return fdopen(descriptor, "w+");
+    file->file = fdopen(descriptor, "w");
+    if (file->file == nullptr)              // GCOV_EXCL_BR_LINE no memory: faults/memory
+        fail_to_write(file->name, ENOMEM);  // GCOV_EXCL_LINE
 }
 
 // Standard output is looked at when the run ends.
 static void close_file(new_file_t* file) {
-    const bool own = file->name != nullptr;
-    if (own && (std::ferror(file->file) || std::fclose(file->file) != 0))
+    if (!file->name.empty() && (std::ferror(file->file) || std::fclose(file->file) != 0))
         fail_to_write(file->name, errno);
 }
 
 FILE* new_file(const char* name, bool overwrite) {
-    if (Nfiles == 0)
+    if (Files == nullptr)
         prepare_end();
     else
-        close_file(&Files[Nfiles - 1]);
+        close_file(&Files->back());
     block_signals(SIG_BLOCK);
-    Files = resized(Files, static_cast<std::size_t>(Nfiles) + 1);
-    new_file_t* added = &Files[Nfiles];
-    *added = {stdout, nullptr, nullptr, overwrite};
+    Files->push_back({stdout, "", "", overwrite});
+    new_file_t& added = Files->back();
     if (std::strcmp(name, "-") != 0) {
-        added->name = final_name(name, overwrite);
-        added->file = open_beside(added->name, &added->temporary);
+        added.name = final_name(name, overwrite);
+        open_beside(&added);
     }
-    Nfiles = Nfiles + 1;
     block_signals(SIG_UNBLOCK);
-    if (added->file == nullptr)       // GCOV_EXCL_BR_LINE no memory: faults/memory
-        fail_to_write(name, ENOMEM);  // GCOV_EXCL_LINE
-    return added->file;
+    return added.file;
 }
 
 // Gives the file its name, unless somebody else has taken it meanwhile.
 static void name_file(new_file_t* file) {
-    if (file->name == nullptr)
+    if (file->name.empty())
         return;
     const unsigned flags = file->replaces ? 0 : RENAME_NOREPLACE;
+    const char* temporary = file->temporary.c_str();
+    const char* name = file->name.c_str();
     // Not every file system can look and rename in one step.
-    if (renameat2(AT_FDCWD, file->temporary, AT_FDCWD, file->name, flags) != 0 &&
-        (errno == EEXIST || rename(file->temporary, file->name) != 0))
+    if (renameat2(AT_FDCWD, temporary, AT_FDCWD, name, flags) != 0 &&
+        (errno == EEXIST || rename(temporary, name) != 0))
         fail_to_write(file->name, errno);
-    file->temporary = nullptr;
+    file->temporary.clear();
 }
 
 void keep_files() {
-    close_file(&Files[Nfiles - 1]);
+    close_file(&Files->back());
     block_signals(SIG_BLOCK);
-    for (int i = 0; i < Nfiles; i++)
-        name_file(&Files[i]);
+    for (new_file_t& file : *Files)
+        name_file(&file);
     block_signals(SIG_UNBLOCK);
 }
 
