@@ -128,8 +128,9 @@ FILE* new_file(const char* name, bool overwrite) {
     else
         close_file(&Files->back());
     block_signals(SIG_BLOCK);
-    Files->push_back({stdout, "", "", overwrite});
-    new_file_t& added = Files->back();
+    new_file_t& added = Files->emplace_back();
+    added.file = stdout;
+    added.replaces = overwrite;
     if (std::strcmp(name, "-") != 0) {
         added.name = final_name(name, overwrite);
         open_beside(&added);
