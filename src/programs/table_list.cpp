@@ -128,8 +128,7 @@ static void list_table(const char* inpFname) {
 // ---- The file ----------------------------------------------------------------------------------
 
 // A file that can be read again and again: a pipe is copied into one.
-static const char* rereadable(const char* name) {
-    static char copy_name[32];
+static std::string rereadable(const char* name) {
     struct stat status;
     const bool is_other =
         stat(name, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
@@ -142,19 +141,18 @@ static const char* rereadable(const char* name) {
         std::fwrite(block, 1, size, copy);
     std::fclose(from);
     complete(copy);
-    std::snprintf(copy_name, sizeof copy_name, "/dev/fd/%d", fileno(copy));
-    return copy_name;
+    return "/dev/fd/" + std::to_string(fileno(copy));
 }
 
 int list_tables(const char* inpFname) {
     OwnName = ProgramName;
     InputName = inpFname;
     const bool every = TableN == EVERY_TABLE;
-    const char* readable = rereadable(inpFname);
+    const std::string readable = rereadable(inpFname);
     int worst = EXIT_SUCCESS;
     TableN = every ? 1 : TableN;
     IsFirst = true;
-    for (int status; (status = read_in_child([=] { list_table(readable); })) != NO_SUCH_TABLE;
+    for (int status; (status = read_in_child([&] { list_table(readable.c_str()); })) != NO_SUCH_TABLE;
          TableN++) {
         worst = status == EXIT_SUCCESS ? worst : EXIT_FAILURE;
         if (!every || status == NO_LIST)

@@ -24,7 +24,7 @@ static pid_t Gnuplot;
 static FILE* ToGnuplot;
 static int FromGnuplot;
 static int CommandsFile;
-static int Asked = 0;  // number of the picture that it was asked for last
+static int Asked;  // number of the picture that it was asked for last
 static bool Busy = true, Closed = false;
 static std::string Line;     // of its messages, the one that is coming in
 static std::string Own;      // its first complaint since the last picture ...

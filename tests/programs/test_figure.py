@@ -166,11 +166,15 @@ class Failures(unittest.TestCase):
             self.assertEqual((run.status, run.files), (1, {}))
 
     def test_few_descriptors(self):
-        """Whichever file it is that there is none for."""
+        """Whichever file it is that there is none for; further plots need no more."""
         for limit in 4, 5, 6:
             limited = ("sh", "-c", f'ulimit -S -n {limit}; exec "$@"', "sh", FIGURE)
             refused(self, figure("-o", "a.svg", *ONE_PLOT, command=limited),
                     "cannot write a temporary file: Too many open files")
+        limited = ("sh", "-c", 'ulimit -S -n 15; exec "$@"', "sh", FIGURE)
+        run = drawn("-o", "a.svg", "--no-multiplot", "-d", "sms,tsms,dsms", BENZENE,
+                    command=limited)
+        self.assertEqual(len(run.files), 9)
 
     def test_signals(self):
         # A test that a shell has started in the background would pass on that it is ignored.

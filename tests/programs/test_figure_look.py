@@ -194,6 +194,14 @@ class Letters(unittest.TestCase):
         self.assertIn("Exp.sM(s) (1-2)", shown)
         self.assertIn("(𝄞)", content("a.svg", "-n", "1-1=𝄞", *ONE_PLOT).decode())
 
+    def test_places_of_names(self):
+        """The kinds of a set stand in one row as soon as they fit, and below each other before."""
+        for width, rows in (8.5, 3), (9, 1), (17, 1):
+            commands = drawn("-o", "a.svg", "-s", f"{width}x9", "--legend", *ONE_PLOT).commands
+            heights = re.findall(r'title ".*\(1-1\)" at screen .*, screen (\S+)',
+                                 commands.replace(r"\055", "-"))
+            self.assertEqual((len(heights), len(set(heights))), (3, rows), commands)
+
     def test_numbers_of_y(self):
         """Where they mean something: no curve is shifted, not only the first."""
         flat = kova.file(kova.table(kova.data_set("1-1", "s sms", "1 0", "2 0", "3 0"),

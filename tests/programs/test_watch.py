@@ -76,10 +76,12 @@ class Session:
         (self.folder / "fit.new").write_text(text)
         (self.folder / "fit.new").rename(self.file)
 
+    def descriptors(self):
+        return sorted(pathlib.Path(f"/proc/{self.process.pid}/fd").iterdir())
+
     def commands(self):
         """What gnuplot loads, from the file without a name."""
-        return "".join(path.read_text() for path in
-                       pathlib.Path(f"/proc/{self.process.pid}/fd").iterdir()
+        return "".join(path.read_text() for path in self.descriptors()
                        if os.readlink(path).endswith("(deleted)"))
 
     def replace_and_wait(self, text):
@@ -122,9 +124,23 @@ class Watched(unittest.TestCase):
 
 
 class File(Watched):
+    def test_no_change(self):
+        """For longer than it takes until the next look."""
+        def steps(session):
+            session.wait("messages", "drawn 1\n")
+            time.sleep(2.5)
+            self.assertEqual(session.noted("messages").count("drawn"), 1)
+        self.check_end(watch([*DUMB, "fit.out"], steps))
+
+    def test_plain_locale(self):
+        """gnuplot would complain about it."""
+        self.check_end(watch([*DUMB, "fit.out"], env={"LC_ALL": "C"},
+                             steps=lambda session: session.wait("messages", "drawn 1\n")))
+
     def test_every_change(self):
         def steps(session):
-            session.wait("shown", "(1-1)")
+            session.wait("messages", "drawn 1\n")
+            first = session.descriptors()
             session.write(table("2-1"))
             session.wait("shown", "(2-1)")
             session.replace(table("3-1", "3-2"))
@@ -133,6 +149,10 @@ class File(Watched):
             session.wait("said", "\n")
             session.write(table("4-1"))
             session.wait("shown", "(4-1)")
+            end = time.monotonic() + PATIENCE
+            while session.descriptors() != first:  # it may be reading once more
+                self.assertLess(time.monotonic(), end, "a file stays open")
+                time.sleep(0.02)
         result = watch([*DUMB, "fit.out"], steps)
         self.check_end(result, [AWAY])
 
