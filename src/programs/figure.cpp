@@ -165,15 +165,6 @@ static void check_numbers() {
         fail(stderr, "a PNG has at most %g pixels a side: use a lower --dpi\n", most);
 }
 
-// ---- What the input must have ------------------------------------------------------------------
-
-static void require_drawable(const char* inpFname) {
-    require_equal_columns(inpFname);
-    for (const set_name_t& name : Figure.names)
-        require_set(name.Nd, name.Nc);
-    prepare_plots(inpFname);
-}
-
 // ---- Pages -------------------------------------------------------------------------------------
 
 static bool is_named(const set_name_t& name, int c) {
@@ -290,7 +281,9 @@ int main(int argc, char** argv) {
     find_format();
     check_numbers();
     read_input(inpFname);
-    require_drawable(inpFname);
+    for (const set_name_t& name : Figure.names)
+        require_set(name.Nd, name.Nc);
+    prepare_plots();
     NamedBlocks = 1;
     std::vector<page_t> pages = make_pages();
     for (page_t& page : pages)

@@ -230,7 +230,7 @@ void read_input(const char* inpFname) {
     group_curves();
 }
 
-void require_equal_columns(const char* inpFname) {
+static void require_equal_columns() {
     const columns_t& first = own_columns(0);
     for (int c = 1; c < Ncurves; c++) {
         const columns_t& own = own_columns(c);
@@ -239,19 +239,18 @@ void require_equal_columns(const char* inpFname) {
             continue;
         fail(stderr,
              "data sets %d-%d and %d-%d of %s have different columns: choose with --curves\n",
-             CurveNd[0], CurveNc[0], CurveNd[c], CurveNc[c], inpFname);
+             CurveNd[0], CurveNc[0], CurveNd[c], CurveNc[c], InputName);
     }
 }
 
-void prepare_plots(const char* inpFname) {
+void prepare_plots() {
+    require_equal_columns();
+    if (column_of(own_columns(0), P_GINT_R) > 0)
+        fail(stderr, "R-values cannot be drawn: name the kinds of %s with --data\n", InputName);
     bool found = false;
     for_each_plot([&found](plot_t plot) { found = found || has_series(plot); });
-    for (int j = 1; j < NcolsToPlot; j++) {
-        if (PlotColType[j] == P_GINT_R)
-            fail(stderr, "R-values cannot be drawn: name the kinds of %s with --data\n", inpFname);
-    }
     if (!found)
-        fail(stderr, "nothing to draw in table %d of %s\n", TableN, inpFname);
+        fail(stderr, "nothing to draw in table %d of %s\n", TableN, InputName);
     if (AutoShifts)
         calc_shifts({1, 1});
 }

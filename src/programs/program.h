@@ -55,13 +55,10 @@ void read_input(const char* inpFname);
 // Ends the run with a sentence if the table has no such set. After read_input.
 void require_set(int Nd, int Nc);
 
-// Ends the run with a sentence if the sets that were read have different columns: one column map
-// could not be right for all of them.
-void require_equal_columns(const char* inpFname);
-
-// Stacks the curves. Before that ends the run with a sentence if no plot has anything to draw, or
-// one has what has no style.
-void prepare_plots(const char* inpFname);
+// Stacks the curves. Before that ends the run with a sentence if the sets have different columns, so
+// that one column map could not be right for all of them, if no plot has anything to draw, or one
+// has what has no style.
+void prepare_plots();
 
 // ---- Numbers -----------------------------------------------------------------------------------
 // For programs that write these instead of drawing them.

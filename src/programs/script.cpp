@@ -183,8 +183,7 @@ int main(int argc, char** argv) {
     Arguments = argv;
     InputName = only_input(start_program(argc, argv, Script));
     read_input(InputName);
-    require_equal_columns(InputName);
-    prepare_plots(InputName);
+    prepare_plots();
     Terminal = UserTerminal ? UserTerminalName : nullptr;
     UserTerminal = 0;
     NamedBlocks = 1;

@@ -152,7 +152,8 @@ int list_tables(const char* inpFname) {
     int worst = EXIT_SUCCESS;
     TableN = every ? 1 : TableN;
     IsFirst = true;
-    for (int status; (status = read_in_child([&] { list_table(readable.c_str()); })) != NO_SUCH_TABLE;
+    for (int status;
+         (status = read_in_child([&] { list_table(readable.c_str()); })) != NO_SUCH_TABLE;
          TableN++) {
         worst = status == EXIT_SUCCESS ? worst : EXIT_FAILURE;
         if (!every || status == NO_LIST)

@@ -98,8 +98,7 @@ void write_picture(const char* name, FILE* commands, int number) {
     Look = &look;
     UserTerminal = 0;  // set once, at the start
     read_input(name);
-    require_equal_columns(name);
-    prepare_plots(name);
+    prepare_plots();
     // gnuplot has loaded what was there before.
     const int uncut = ftruncate(fileno(f), 0);
     lseek(fileno(f), 0, SEEK_SET);
