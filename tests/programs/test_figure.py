@@ -39,7 +39,7 @@ REFUSED = (
     (("-o", "a.pdf", "-s", "201x6", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-s", "20x201", CCL4), "the size is .*"),
     (("-o", "a.pdf", "-p", "0", CCL4), "--points is a number from 1 to 200"),
-    (("-o", "a.png", "--dpi", "0", CCL4), "--dpi is a number from 10 to 10000"),
+    (("-o", "a.png", "--dpi", "0", "none"), "--dpi is a number from 10 to 10000"),
     (("-o", "a.png", "-s", "17x1", "--dpi", "4896", CCL4),
      "a PNG has at most 32767 pixels a side: use a lower --dpi"),
     (("-o", "a.pdf", "--elw=-1", CCL4), "--elw is a number from 0 to 1000"),
