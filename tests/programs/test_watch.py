@@ -341,7 +341,8 @@ done
                 (own, "$n", ["gnuplot says: no such thing"]),
                 (own, "0", ["gnuplot says: no such thing"]),
                 ("'Gtk: such a theme'", "$n", []),
-                ("'Gtk: such a theme'", "0", ["gnuplot says: Gtk: such a theme"])):
+                ("'Gtk: such a theme'", "0", ["gnuplot says: Gtk: such a theme"]),
+                ('"Gtk: $((n > 1))"', "$((n == 1))", ["gnuplot says: Gtk: 1"])):
             with self.subTest(script_said, drawn=drawn):
                 self.check_end(watch([*DUMB, "fit.out"], steps, gnuplot=script(script_said, drawn)),
                                sentences)
