@@ -376,7 +376,7 @@ class Script(ProgramTest):
         for arguments, message in (
                 ("-t2", "no table 2 in in (it has 1)"), ("-t0", "no table 0 in in (it has 1)"),
                 ("--cread=3-1", "no data set 3-1 in in (table 1 has 1-1, 2-1)"),
-                ("--ccombine=1-1,3-1", "no data set 3-1 in in (table 1 has 1-1, 2-1)"),
+                ("--ccombine=1-1,3-2", "no data set 3-2 in in (table 1 has 1-1, 2-1)"),
                 ("--data=sms,bgl,sec", "no kind bgl, sec in in (table 1 has sms, tsms)"),
                 ("--dcombine=sec", "no kind sec in in (table 1 has sms, tsms)"),
                 ("--smserrfill", "no deviations to show in in: read smss as well")):
