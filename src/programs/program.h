@@ -55,9 +55,9 @@ void read_input(const char* inpFname);
 // Ends the run with a sentence if the table has no such set. After read_input.
 void require_set(int Nd, int Nc);
 
-// Stacks the curves. Before that ends the run with a sentence if the sets have different columns, so
-// that one column map could not be right for all of them, if no plot has anything to draw, or one
-// has what has no style.
+// Stacks the curves. Before that ends the run with a sentence if the sets have different columns,
+// so that one column map could not be right for all of them, if no plot has anything to draw, or
+// one has what has no style.
 void prepare_plots();
 
 // ---- Numbers -----------------------------------------------------------------------------------
