@@ -110,6 +110,17 @@ def run_to_the_end(command, env, meanwhile=None, **more):
     return Result(process.returncode, out or b"", COVERAGE.sub(b"", err or b""), notes, left)
 
 
+@contextlib.contextmanager
+def unread_pipe():
+    """Where to write to a reader that is gone."""
+    reader, writer = os.pipe()
+    os.close(reader)
+    try:
+        yield writer
+    finally:
+        os.close(writer)
+
+
 def put(path, content):
     """Writes a file; what begins like a script becomes a program."""
     path.parent.mkdir(exist_ok=True)

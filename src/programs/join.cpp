@@ -45,8 +45,8 @@ static void keep_factor(const char* text) {
 
 static void keep_row(const char* line) {
     const std::size_t c = static_cast<std::size_t>(Ncurves) - 1;
-    if (c == Copies.size()) {
-        Copies.emplace_back();
+    if (c >= Copies.size()) {  // a set without rows, which will be refused, may stand between
+        Copies.resize(c + 1);
         Copies[c].factor = CurrentFactor;
     }
     Copies[c].rows.append(line, std::strcspn(line, "\n"));
@@ -62,12 +62,11 @@ struct head_t {
 };
 }  // namespace
 
-// Every set that is read has rows: a file that has one without is refused.
 static void leave_sets(const char* name, FILE* to) {
     Copies.clear();
     MetFactor = keep_factor;
     MetRow = keep_row;
-    read_input(name);
+    read_input(name);  // from here on, every set has rows
     for (int c = 0; c < Ncurves; c++) {
         const copied_set_t& copy = Copies[static_cast<std::size_t>(c)];
         const head_t head = {CurveNd[c], CurveNc[c], own_columns(c), copy.factor.size(),
@@ -274,5 +273,5 @@ int main(int argc, char** argv) {
         read_file(names[i], i + 1);
     write_table(new_file(OutputName == nullptr ? "-" : OutputName, Overwrite));
     keep_files();
-    return 0;
+    return EXIT_SUCCESS;
 }

@@ -6,6 +6,8 @@
 #include <popt.h>
 
 #include <charconv>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -41,9 +43,9 @@ static void put(const char* text) {
     End += length;
 }
 
-// The shortest text that reads back to the same number.
+// The shortest text that reads back to the same number. The sign of a NaN means nothing.
 static void put(double number) {
-    End = std::to_chars(End, End + FIELD_SIZE, number).ptr;
+    End = std::to_chars(End, End + FIELD_SIZE, std::isnan(number) ? NAN : number).ptr;
 }
 
 // The kinds of all sets, s first, then as they are met: the order of the first header, and behind
@@ -127,5 +129,5 @@ int main(int argc, char** argv) {
     read_input(name);
     write_csv(new_file(OutputName == nullptr ? "-" : OutputName, Overwrite));
     keep_files();
-    return 0;
+    return EXIT_SUCCESS;
 }

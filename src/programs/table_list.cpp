@@ -116,13 +116,15 @@ static void list_table(const char* inpFname) {
     if (Ncurves == 0)
         std::printf("%5d  %-8s %6d  %8s  %8s  %-8s  -\n", TableN, "-", 0, "-", "-", "-");
     ProgramName = OwnName;
-    // What cannot be written now cannot be written for the next table either.
+    // What cannot be written now cannot be written for the next table either. A reader that has
+    // seen enough needs no further one.
     std::fflush(stdout);
-    if (std::ferror(stdout)) {
-        if (errno != EPIPE)
-            complain("Cannot write to standard output: %s\n", std::strerror(errno));
-        _exit(NO_LIST);
-    }
+    if (!std::ferror(stdout))
+        return;
+    if (errno == EPIPE)
+        _exit(NO_SUCH_TABLE);
+    complain("Cannot write to standard output: %s\n", std::strerror(errno));
+    _exit(NO_LIST);
 }
 
 // ---- The file ----------------------------------------------------------------------------------

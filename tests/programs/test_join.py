@@ -138,7 +138,8 @@ class Refused(kova.Programs):
     def test_input(self):
         """The file that is wrong is named."""
         files = {"a": ONE, "b": TWO, "cut": TWO[:-42], "csv": "set,s\n",
-                 "odd": ONE.replace("3 4", "3")}
+                 "odd": ONE.replace("3 4", "3"),
+                 "gap": file(table(data_set("1-1", "s sms"), data_set("1-2", "s sms", "1 2")))}
         for sentence, *arguments in (
                 ("no kind dsms in a (table 1 has sms, tsms)", "--data=dsms", "a", "b"),
                 ("no data set 2-1 in a (table 1 has 1-1)", "-c2-1", "a", "b"),
@@ -147,6 +148,7 @@ class Refused(kova.Programs):
                 ("cut ends in the middle of data set 1-1", "a", "b", "cut"),
                 ("table 1 of odd: a row of data set 1-1 does not have 3 numbers: is the file "
                  "complete?", "a", "odd"),
+                ("data set 1-1 of gap has no rows", "a", "gap"),
                 ("Cannot open file 'none'", "a", "none"),
                 ("a exists already: -f replaces it", "-o", "a", "a", "b")):
             with self.subTest(sentence):
