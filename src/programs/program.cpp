@@ -245,6 +245,8 @@ static void require_equal_columns() {
 
 void prepare_plots() {
     require_equal_columns();
+    if (own_columns(0).PlotColType[0] != P_GINT_S)
+        fail(stderr, "the first column of the data sets in %s is not s\n", InputName);
     if (column_of(own_columns(0), P_GINT_R) > 0)
         fail(stderr, "R-values cannot be drawn: name the kinds of %s with --data\n", InputName);
     bool found = false;
@@ -286,7 +288,7 @@ std::string kind_words(unsigned mask) {
         if (is_in(kind.type, mask))
             words.append(words.empty() ? "" : ", ").append(column_word(kind.type));
     }
-    return words;
+    return words.empty() ? "none" : words;
 }
 
 int column_of(const columns_t& columns, int kind) {

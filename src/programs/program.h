@@ -56,8 +56,8 @@ void read_input(const char* inpFname);
 void require_set(int Nd, int Nc);
 
 // Stacks the curves. Before that ends the run with a sentence if the sets have different columns,
-// so that one column map could not be right for all of them, if no plot has anything to draw, or
-// one has what has no style.
+// so that one column map could not be right for all of them, if the first one is not s, if no plot
+// has anything to draw, or one has what has no style.
 void prepare_plots();
 
 // ---- Numbers -----------------------------------------------------------------------------------
@@ -71,7 +71,7 @@ extern const refused_options_t* const DrawingOptions;
 // The word of a kind in a list, s and r for those that have none there.
 const char* column_word(int kind);
 
-// The words of the kinds of the mask, with commas.
+// The words of the kinds of the mask, with commas; "none" if it is empty.
 std::string kind_words(unsigned mask);
 
 // The plot column of the kind; -1 if it is not among them.

@@ -67,7 +67,7 @@ static void write_content() {
 
 // How to draw it, with the script's own name.
 static void write_way(const char* way, const char* name) {
-    std::fprintf(f, "# %s %s", way, *name == '-' ? "./" : "");
+    std::fprintf(f, "# %s %s", way, before_name(name));
     write_word(name);
     std::fprintf(f, "\n");
 }

@@ -46,7 +46,9 @@ static void note_change() {
 
 static struct stat file_status() {
     struct stat status = {};
-    return stat(Name, &status) == 0 ? status : (struct stat){};
+    if (stat(Name, &status) != 0)
+        status = {};
+    return status;
 }
 
 static bool differs_from_taken() {

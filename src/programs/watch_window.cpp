@@ -63,7 +63,7 @@ static void write_title(const std::string& name) {
     for (char& c : title)
         c = std::iscntrl(c & 0xff) ? '?' : c;
     std::fprintf(ToGnuplot, "w_title = 'gravlex-watch: '.");
-    write_name(ToGnuplot, title.c_str());
+    write_text(ToGnuplot, title.c_str());
     std::fprintf(ToGnuplot, "\n");
 }
 

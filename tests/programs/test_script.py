@@ -279,10 +279,15 @@ class Script(ProgramTest):
                 self.assertEqual(self.complaint("-f", "-o", name, *ONE_PLOT), why)
         for name in "", "new/":
             self.assertIn("is no name", self.complaint("--no-multiplot", "-o", name, *PAGE))
+        self.assertIn("-10: File name too long",  # none of the nine before
+                      self.complaint("--no-multiplot", "-o", "a" * 253, "../benzene.out"))
 
     def test_rights(self):
         self.script(*ONE_PLOT, preexec_fn=lambda: os.umask(0o027))
         self.assertEqual((self.work / "gravlex.gp").stat().st_mode & 0o777, 0o640)
+        (self.work / "gravlex.gp").chmod(0o604)
+        self.script("-f", *ONE_PLOT)
+        self.assertEqual((self.work / "gravlex.gp").stat().st_mode & 0o777, 0o604)
 
     def test_full_disk(self):
         """In the middle, and with the last byte."""
@@ -308,9 +313,9 @@ class Script(ProgramTest):
                 self.assertRegex(said, r"\ACannot write to standard output: .*\Z")
 
     def test_unread_output(self):
-        for command in '"$@" | head -c 100', '"$@" | :':
-            self.run_program("sh", "-c", command, "sh", PROGRAM.parent / "gravlex-script", "-o-",
-                             *ONE_PLOT)
+        with running.unread_pipe() as pipe:
+            self.assertEqual(self.run_program("gravlex-script", "-o-", *ONE_PLOT, stdout=pipe)[1],
+                             "")
 
     def test_signals(self):
         """Where the first of many scripts has been begun and none has its name yet."""
@@ -379,9 +384,11 @@ class Script(ProgramTest):
                 ("--ccombine=1-1,3-2", "no data set 3-2 in in (table 1 has 1-1, 2-1)"),
                 ("--data=sms,bgl,sec", "no kind bgl, sec in in (table 1 has sms, tsms)"),
                 ("--dcombine=sec", "no kind sec in in (table 1 has sms, tsms)"),
+                ("--data=sms", "no kind sms in in (table 1 has none)"),
                 ("--smserrfill", "no deviations to show in in: read smss as well")):
             with self.subTest(arguments):
-                self.check_input(table("1-1", "2-1"), message, arguments)
+                labels = {"labels": ["    R    "]} if "none" in message else {}
+                self.check_input(table("1-1", "2-1", **labels), message, arguments)
 
     def test_kinds_that_are_not_asked_for(self):
         (self.work / "in").write_text(table("1-1"))
@@ -418,6 +425,11 @@ class Script(ProgramTest):
         self.assertEqual(self.blocks("--data", "sms", "--curves", "1-1,4-1", "in"),
                          ["$sms_1_1", "$sms_4_1"])
         self.assertEqual(self.blocks("--curves", "2-1", "in"), ["$tsms_2_1", "$sms_2_1"])
+
+    def test_first_column(self):
+        for first in "  Delta sM(s)  |       S      |", "  Delta sM(s)  |   Exp. sM(s)  |":
+            self.check_input(table("1-1").replace("       S      |   Exp. sM(s)  |", first),
+                             "the first column of the data sets in in is not s")
 
     def test_nothing_to_draw(self):
         self.assertEqual(self.complaint("--data", "smss", "--smserrbars", "../ccl4.out"),

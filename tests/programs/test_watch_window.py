@@ -118,7 +118,7 @@ class Window(Watched):
     def test_closed_by_the_window_manager(self):
         def steps(session, shown):
             title = " ".join(shown.ask("xdotool", "getwindowname", shown.window()))
-            self.assertEqual(title, "gravlex-watch: ./" + NAME.replace("\n", "?"))
+            self.assertEqual(title, "gravlex-watch: " + NAME.replace("\n", "?"))
             shown.end_by("alt+F4", session.process)
             self.assertFalse((session.folder / "x").exists())
         self.observe(steps, (*SETTINGS, NAME), text={NAME: table("1-1")})

@@ -76,8 +76,7 @@ void leave_first_line();
 // "KOVA version: %d\n" if there is one.
 int detect_int_table_version(const char* inpFname);
 
-// ---- Rows of numbers (numbers.cpp)
-// ----------------------------------------------------------------
+// ---- Rows of numbers (numbers.cpp) -------------------------------------------------------------
 
 // The most numbers that are read from one row; more than MAX_COLS, so that too many are noticed.
 constexpr int MAX_NUMBERS = 20;

@@ -21,7 +21,8 @@ namespace {
 struct new_file_t {
     FILE* file;
     std::string name;       // that it will have; none for standard output
-    std::string temporary;  // that it has, as long as it has it
+    std::string temporary;  // what is removed if the run fails: the name that it has until then
+    mode_t rights;          // that it will have
     bool replaces;          // may replace what has that name
 };
 
@@ -83,34 +84,39 @@ static const char* base_name(const char* name) {
     return base;
 }
 
-// The name without the links that lead to it: they stay when the file is replaced.
-static std::string final_name(const char* name, bool overwrite) {
+// Finds what will be its name, and its rights. A file that is replaced leaves it both; links that
+// lead to it stay.
+static void find_name(const char* name, new_file_t* file) {
     struct stat status;
-    if (lstat(name, &status) != 0)
-        return name;
+    file->name = name;
+    if (lstat(name, &status) != 0) {
+        if (errno != ENOENT)
+            fail_to_write(name, errno);
+        const mode_t mask = umask(0);
+        umask(mask);
+        file->rights = 0666 & ~mask;
+        return;
+    }
     char* resolved = realpath(name, nullptr);
     if (resolved == nullptr)
         fail_to_write(name, errno);
-    std::string final = resolved;
+    file->name = resolved;
     std::free(resolved);
-    lstat(final.c_str(), &status);
+    lstat(file->name.c_str(), &status);
     if (!S_ISREG(status.st_mode))
         fail(stderr, "%s is no file that can be replaced\n", name);
-    if (!overwrite)
+    if (!file->replaces)
         fail(stderr, "%s exists already: -f replaces it\n", name);
-    return final;
+    file->rights = status.st_mode & 0777;
 }
 
-// A file beside the one of this name, with the rights that a new file has.
 static void open_beside(new_file_t* file) {
     const char* name = file->name.c_str();
     file->temporary = std::string(name, base_name(name)) + ".gravlex-XXXXXX";
     const int descriptor = mkostemp(file->temporary.data(), O_CLOEXEC);
     if (descriptor == -1)
         fail_to_write(file->name, errno);
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(descriptor, 0666 & ~mask);
+    fchmod(descriptor, file->rights);
     file->file = fdopen(descriptor, "w");
     if (file->file == nullptr)              // GCOV_EXCL_BR_LINE no memory: faults/memory
         fail_to_write(file->name, ENOMEM);  // GCOV_EXCL_LINE
@@ -132,7 +138,7 @@ FILE* new_file(const char* name, bool overwrite) {
     added.file = stdout;
     added.replaces = overwrite;
     if (std::strcmp(name, "-") != 0) {
-        added.name = final_name(name, overwrite);
+        find_name(name, &added);
         open_beside(&added);
     }
     block_signals(SIG_UNBLOCK);
@@ -150,7 +156,7 @@ static void name_file(new_file_t* file) {
     if (renameat2(AT_FDCWD, temporary, AT_FDCWD, name, flags) != 0 &&
         (errno == EEXIST || rename(temporary, name) != 0))
         fail_to_write(file->name, errno);
-    file->temporary.clear();
+    file->temporary = file->replaces ? "" : file->name;
 }
 
 void keep_files() {
@@ -158,6 +164,7 @@ void keep_files() {
     block_signals(SIG_BLOCK);
     for (new_file_t& file : *Files)
         name_file(&file);
+    Files->clear();
     block_signals(SIG_UNBLOCK);
 }
 

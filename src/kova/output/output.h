@@ -17,11 +17,12 @@
 // standard output.
 FILE* new_file(const char* name, bool overwrite);
 
-// Gives all new files their names. A file that could not be written ends the run with a sentence;
-// whatever ends the run before leaves none of them.
+// Closes the last new file and gives all of them their names. A file that could not be written
+// ends the run with a sentence; whatever ends the run before leaves none of them.
 void keep_files();
 
-// A file that nobody sees.
+// A file that nobody sees, to be closed by the caller. Where none can be made, the run ends with a
+// sentence.
 FILE* scratch_file();
 
 // Sees to it that all of it is in the file. A disk that is full ends the run with a sentence.
@@ -36,7 +37,7 @@ std::string numbered_name(const char* name, int number);
 // status; one that is killed ends the run with a sentence. It ends with the process that waits.
 int read_in_child(const std::function<void()>& work);
 
-// Waits for a child and returns the status of its end, as waitpid gives it.
+// Waits for a child of this process and returns the status of its end, as waitpid gives it.
 int status_of_end(pid_t child);
 
 // For a child: becomes gnuplot, which reads the script, or its standard input where that is null.
@@ -45,6 +46,10 @@ int status_of_end(pid_t child);
 
 // Ends the run if gnuplot has said why it failed, or was not found. status is that of its end.
 void blame_gnuplot(int status, const std::string& complaint);
+
+// What has to stand in front of a file name that a program could take for an option, or gnuplot
+// for a pipe: "./" or nothing.
+const char* before_name(const char* name);
 
 // Writes a text as a string of gnuplot that no byte of it can end: between single quotes gnuplot
 // 5.4 ends it behind two of them.

@@ -71,8 +71,11 @@ void write_text(FILE* commands, const char* text) {
     write_quoted(commands, "", text);
 }
 
-// "./" keeps a pipe "|cmd" and an option from being one.
-void write_name(FILE* commands, const char* name) {
+const char* before_name(const char* name) {
     const bool plain_start = std::strchr("_./", *name) != nullptr || std::isalnum(*name & 0xff);
-    write_quoted(commands, plain_start ? "" : "./", name);
+    return plain_start ? "" : "./";
+}
+
+void write_name(FILE* commands, const char* name) {
+    write_quoted(commands, before_name(name), name);
 }

@@ -65,7 +65,8 @@ constexpr bool is_in(int kind, unsigned mask) {
 }
 
 // ---- Settings (options.cpp, command_line.cpp) --------------------------------------------------
-// Written by parse_command_line only; their initial values are the defaults of the options.
+// gravlex writes them in parse_command_line only; their initial values are the defaults of the
+// options. A further program may set what its own options imply, before it reads.
 
 constexpr int IMG_PNG = 1, IMG_EPS = 2, IMG_SVG = 3;
 
