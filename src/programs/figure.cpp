@@ -6,6 +6,7 @@
 #include <popt.h>
 #include <strings.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -41,7 +42,7 @@ static const poptOption Options[] = {
     {"output", 'o', POPT_ARG_STRING, &Output, 0,
      "Write the figure into this file: .pdf, .eps, .svg, .png or .html", "FILE"},
     {"force", 'f', POPT_ARG_NONE, &Force, 0,
-     "Overwrite files that exist", nullptr},
+     "Replace files that exist", nullptr},
     {"size", 's', POPT_ARG_STRING, &Size, OPT_SIZE,
      "Width and height of the figure in cm", "WIDTHxHEIGHT"},
     {"points", 'p', POPT_ARG_DOUBLE, &Figure.letters, 0,
@@ -75,19 +76,24 @@ static bool read_size() {
     return false;
 }
 
-// The bytes of the character that begins here; 0 if it is no UTF-8 or controls something.
+// The bytes of the character that begins here; 0 if it is no UTF-8 or controls something. There
+// are none between the halves of those of UTF-16, and no SVG may have the last two of its 65536.
 static int character_length(const char* text) {
-    const unsigned char first = static_cast<unsigned char>(*text);
-    if (first < 0x80)
-        return first >= ' ' && first != 0x7f ? 1 : 0;
-    if (first < 0xc2 || first > 0xf4 ||
-        (first == 0xc2 && static_cast<unsigned char>(text[1]) < 0xa0))
+    static constexpr unsigned LEAST[] = {' ', 0xa0, 0x800, 0x10000};  // of 1, 2, 3, 4 bytes
+    const unsigned first = static_cast<unsigned char>(*text);
+    if ((first >= 0x80 && first < 0xc0) || first >= 0xf8)
         return 0;
-    const int length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    const int length = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    unsigned code = length == 1 ? first : first & (0x7fU >> length);
     for (int i = 1; i < length; i++) {
         if ((text[i] & 0xc0) != 0x80)
             return 0;
+        code = code << 6 | (text[i] & 0x3fU);
     }
+    const bool is_half = code >= 0xd800 && code < 0xe000;
+    if (code < LEAST[length - 1] || code > 0x10ffff || code == 0x7f || is_half ||
+        (code & 0xfffe) == 0xfffe)
+        return 0;
     return length;
 }
 
@@ -152,6 +158,9 @@ static void check_numbers() {
         {"psf", PointSizeFactor, 0, 1000},
         {"efa", ErrFillAlpha, 0, 1},
         {"ratio", PlotRatio, -1e6, 1e6},
+        {"smsef", smsStdevFactor, 0, 1000},
+        {"xmin", Gxmin == GX_NOT_GIVEN ? 0 : Gxmin, -1e15, 1e15},
+        {"xmax", Gxmax == GX_NOT_GIVEN ? 0 : Gxmax, -1e15, 1e15},
         {"style_sms", static_cast<double>(Type[d_idx(P_GINT_SMS)].style_type), ST_LINES,
          ST_LPOINTS},
     };
@@ -223,6 +232,8 @@ static panel_t panel_of(plot_t plot) {
     panel_t panel = {};
     panel.plot = plot;
     panel.ranges = plot_ranges(plot);
+    if (Gxmin == GX_NOT_GIVEN && Gxmax == GX_NOT_GIVEN && panel.ranges.xmax < panel.ranges.xmin)
+        std::swap(panel.ranges.xmin, panel.ranges.xmax);  // s falls from row to row
     set_y_range(plot, &panel.ranges);
     widen("s", &panel.ranges.xmin, &panel.ranges.xmax);
     widen("y", &panel.ranges.ymin, &panel.ranges.ymax);

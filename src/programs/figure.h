@@ -35,7 +35,11 @@ struct figure_t {
 };
 extern figure_t Figure;
 
+// True if this is the file name's.
 bool is_format(const char* ending);
+
+// Format of the numbers on the axes, which tells any two tic marks from each other.
+constexpr char NUMBER[] = "%.10g";
 
 // ---- Where things are (figure_layout.cpp) ------------------------------------------------------
 

@@ -18,25 +18,21 @@ static constexpr double TIC = 0.3;            // length of a tic mark
 static constexpr double CAP = 0.2235;         // width of the ends of a bar
 static constexpr double NUMBER_DEPTH = 1.17;  // from the axis down to the baseline of its numbers
 
-static bool is(const char* ending) {
-    return is_format(ending);
-}
-
 // ---- The terminal ------------------------------------------------------------------------------
 
 // The unit of an SVG in points. In HTML it is a pixel of a page 1000 pixels wide. In a file it is
 // as large as makes letters of 6.25 units: gnuplot draws a circle of radius 0.375 * letters * ps
 // with a line of ps, whatever its width should be; only then are both right.
 static double svg_unit(const page_t& page) {
-    if (is(".html"))
+    if (is_format(".html"))
         return page.columns * page.panel_width / 1000;
     return Figure.letters / 6.25;
 }
 
 static double point_size(const page_t& page) {
-    if (is(".html"))
+    if (is_format(".html"))
         return RADIUS / (0.375 * Figure.letters);
-    return is(".svg") ? CIRCLE / svg_unit(page) : 1.0;
+    return is_format(".svg") ? CIRCLE / svg_unit(page) : 1.0;
 }
 
 static void write_cairo_terminal() {
@@ -46,7 +42,7 @@ static void write_cairo_terminal() {
     std::fprintf(f, "set terminal %scairo enhanced color font 'Arial,%g' ",
                  Figure.format->ending + 1, Figure.letters);
     std::fprintf(f, "fontscale 0.75 linewidth %d pointscale %.6f size %.4fin,%.4fin\n",
-                 is(".pdf") ? 2 : 4, RADIUS / 3, width / 72, height / 72);
+                 is_format(".pdf") ? 2 : 4, RADIUS / 3, width / 72, height / 72);
 }
 
 static void write_png_terminal() {
@@ -62,7 +58,7 @@ static void write_svg_terminal(const page_t& page, int panel) {
     const double unit = svg_unit(page);
     double width = page.panel_width, height = page.panel_height;
     std::fprintf(f, "set terminal svg ");
-    if (is(".html")) {
+    if (is_format(".html")) {
         std::fprintf(f, "mouse standalone name 'p%d' ", panel);
     } else {
         width *= page.columns;
@@ -75,9 +71,9 @@ static void write_svg_terminal(const page_t& page, int panel) {
 }
 
 static void write_terminal(const page_t& page, int panel) {
-    if (is(".pdf") || is(".eps"))
+    if (is_format(".pdf") || is_format(".eps"))
         write_cairo_terminal();
-    else if (is(".png"))
+    else if (is_format(".png"))
         write_png_terminal();
     else
         write_svg_terminal(page, panel);
@@ -137,7 +133,7 @@ static void write_data(const panel_t& panel) {
         const deviation_t deviation = deviation_of(PlotColType[j]);
         if (deviation != DEV_NONE)
             write_deviation_block(c, j, deviation);
-        if (is(".png") && Type[d_idx(PlotColType[j])].style_type == ST_LINES)
+        if (is_format(".png") && Type[d_idx(PlotColType[j])].style_type == ST_LINES)
             write_thin_block(panel, c, j);
         else
             write_curve_block(c, j);
@@ -157,7 +153,7 @@ struct place_t {
 }  // namespace
 
 static place_t place_of(const page_t& page, int panel) {
-    if (is(".html"))
+    if (is_format(".html"))
         return {0.0, 0.0, page.panel_width, page.panel_height};
     const int row = (panel - 1) / page.columns, column = (panel - 1) % page.columns;
     return {column * page.panel_width, (page.rows - 1 - row) * page.panel_height,
@@ -187,17 +183,17 @@ static void write_frame(const panel_t& panel, const ranges_t& ranges, const plac
                      GRID);
 }
 
-// "%g" because gnuplot's own format has a blank in front, which moves the number to the right.
+// gnuplot's own format has a blank in front, which moves the number to the right.
 static void write_tics(const panel_t& panel, const place_t& place, bool numbers) {
     const double scale = TIC / Figure.format->tic;
-    std::fprintf(f, "set format x '%%g'\n");
+    std::fprintf(f, "set format x '%s'\n", NUMBER);
     std::fprintf(f, "set xtics %s %g scale %.4f offset 0, screen %.5f\n",
                  PlotX2tics ? "mirror" : "nomirror", panel.xstep, PlotXtics ? scale : 0.0,
                  (Figure.format->number_depth - NUMBER_DEPTH) * Figure.letters / place.height);
     const char* mirror = PlotY2tics ? "mirror" : "nomirror";
     if (numbers)
-        std::fprintf(f, "set format y '%%g'\nset ytics %s %g scale %.4f\n", mirror, panel.ystep,
-                     scale);
+        std::fprintf(f, "set format y '%s'\nset ytics %s %g scale %.4f\n", NUMBER, mirror,
+                     panel.ystep, scale);
     else
         std::fprintf(f, "set format y ''\nset ytics %s autofreq scale %.4f\n", mirror,
                      PlotYtics ? scale : 0.0);
@@ -336,7 +332,7 @@ static const look_t FigureLook = {write_panel_settings, write_panel_deviations, 
 // ---- All of it ---------------------------------------------------------------------------------
 
 std::vector<part_t> write_commands(const page_t& page) {
-    const bool multiplot = page.panels.size() > 1 && !is(".html");
+    const bool multiplot = page.panels.size() > 1 && !is_format(".html");
     Look = &FigureLook;
     Page = &page;
     PanelNumber = 0;
@@ -347,7 +343,7 @@ std::vector<part_t> write_commands(const page_t& page) {
         Position = 0;
         Waiting = Parts.size();
         write_data(panel);
-        if (PanelNumber++ == 0 || is(".html"))
+        if (PanelNumber++ == 0 || is_format(".html"))
             write_terminal(page, PanelNumber);
         if (PanelNumber == 1 && multiplot)
             std::fprintf(f, "set multiplot\n");

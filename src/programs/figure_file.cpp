@@ -17,10 +17,13 @@ static std::string content_of(FILE* file) {
     return content;
 }
 
+// The signature and the header of a PNG, of 8 and 25 bytes; any other picture is longer, too.
+static constexpr std::size_t BEGINNING = 33;
+
 // gnuplot says nothing and ends with status 0 when the disk of its picture is full.
 static void require_whole(const std::string& picture) {
     const std::size_t size = picture.find_last_not_of(" \n") + 1;
-    if (!std::string_view(picture.data(), size).ends_with(Figure.format->end))
+    if (size < BEGINNING || !std::string_view(picture.data(), size).ends_with(Figure.format->end))
         fail(stderr,
              "gnuplot did not finish the picture: the disk of temporary files may be full\n");
 }
@@ -45,13 +48,13 @@ static std::string four_bytes(std::uint32_t number) {
     return bytes;
 }
 
-// Behind the signature and the header, which have 8 and 25 bytes, stands how many pixels a metre
-// has: a text processor shows the picture at its size.
+// Behind the beginning stands how many pixels a metre has: a text processor shows the picture at
+// its size.
 static void add_resolution(std::string* png) {
     const std::string pixels =
         four_bytes(static_cast<std::uint32_t>(std::lround(Figure.dpi / 0.0254)));
     const std::string piece = "pHYs" + pixels + pixels + '\1';
-    png->insert(33, four_bytes(9) + piece + four_bytes(checksum(piece)));
+    png->insert(BEGINNING, four_bytes(9) + piece + four_bytes(checksum(piece)));
 }
 
 // ---- SVG ---------------------------------------------------------------------------------------

@@ -5,9 +5,8 @@
 //
 //      Exp.sM(s) (1-1)  Thr.sM(s) (1-1)     the legend, in columns, above the frame
 //      +---------------------------------+
-//    y |                                 |  the label of the y axis in as many lines as it needs;
-//      |                                 |  its numbers, if there are any, between it and the
-//      frame
+//    y |                                 |  the label of the y axis in as many lines as it needs,
+//      |                                 |  then its numbers, if there are any
 //      +---------------------------------+
 //      0        10        20        30
 //                   s, A^-1
@@ -43,6 +42,10 @@ static constexpr double BETWEEN = 0.9;  // two columns of the legend
 // The smallest frame that shows anything, in em, and the smallest panel, in cm.
 static constexpr double LEAST_WIDTH = 6.0, LEAST_HEIGHT = 3.0;
 static constexpr double LEAST_PANEL_WIDTH = 4.0, LEAST_PANEL_HEIGHT = 3.0;
+
+// In cm: longer sides differ from each other by too little, and the search for a size might not
+// end.
+static constexpr double NO_PAGE = 1e4;
 
 // In points: what fits to this is not looked at again, or the search for a size might not end.
 static constexpr double ROUNDING = 1e-6;
@@ -93,7 +96,7 @@ static double number_width(double low, double high, double step, bool last) {
     std::size_t longest = 0;
     for (double k = std::ceil(low / step - 1e-9); k * step <= high + 1e-9 * step; k++) {
         char text[40];
-        std::snprintf(text, sizeof text, "%g", k * step);
+        std::snprintf(text, sizeof text, NUMBER, k * step);
         longest = std::max(last ? 0 : longest, std::strlen(text));
     }
     return DIGIT * static_cast<double>(longest);
@@ -295,8 +298,11 @@ void lay_out(page_t* page) {
     const size_2d_t asked = {Figure.width, Figure.height};
     size_2d_t size = asked, needed;
     // What is wider or higher may need other margins, so that one look is not enough.
-    while ((needed = try_size(page, size)).width != 0.0)
+    while ((needed = try_size(page, size)).width != 0.0) {
         size = {tenths_up(size.width, needed.width), tenths_up(size.height, needed.height)};
+        if (size.width > NO_PAGE || size.height > NO_PAGE)
+            fail(stderr, "no page is large enough for this figure\n");
+    }
     if (size.width > asked.width || size.height > asked.height)
         fail(stderr, "%gx%g cm is too small for this figure: it needs %gx%g cm\n", asked.width,
              asked.height, size.width, size.height);

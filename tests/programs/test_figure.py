@@ -47,13 +47,20 @@ REFUSED = (
     (("-o", "a.pdf", "--ratio", "2e6", CCL4), r"--ratio is a number from -1e\+06 to 1e\+06"),
     (("-o", "a.pdf", "--efa", "2", CCL4), "--efa is a number from 0 to 1"),
     (("-o", "a.pdf", "--lw", "nan", CCL4), "--lw is a number from 0 to 1000"),
+    (("-o", "a.pdf", "--smsef=-1", CCL4), "--smsef is a number from 0 to 1000"),
+    (("-o", "a.pdf", "--xmin=nan", CCL4), r"--xmin is a number from -1e\+15 to 1e\+15"),
+    (("-o", "a.pdf", "--xmax=2e15", CCL4), r"--xmax is a number from -1e\+15 to 1e\+15"),
+    (("-o", "a.pdf", "--ratio=-1e-18", CCL4), "no page is large enough for .*"),
+    (("-o", "a.pdf", "--ratio=1e6", CCL4), "no page is large enough for this figure"),
     (("-o", "a.pdf", "--style_sms", "4", CCL4), "--style_sms is a number from 1 to 3"),
     (("-o", "a.pdf", "-n", "1-1", CCL4), "a name is N-M=TEXT, as in 1-1='500 mm'; not '1-1'"),
     (("-o", "a.pdf", "-n", "x=1-1", CCL4), "a name is N-M=TEXT, .*; not 'x=1-1'"),
     (("-o", "a.pdf", "-n", "1-1=a\nb", CCL4), "the name of 1-1 is no text in UTF-8 on one line"),
     *((("-o", "a.pdf", "-n", os.fsdecode(b"1-1=" + text), CCL4), "the name of 1-1 is no text .*")
       for text in (b"\xc5", b"\xc2\x85", b"\x7f", b"\x80", b"\xff", b"\xc1\xa1",
-                   b"\xf5\x80\x80\x80")),
+                   b"\xf5\x80\x80\x80", b"\xe0\x80\x80", b"\xed\xa0\x80", b"\xed\xbf\xbf",
+                   b"\xef\xbf\xbf", b"\xf0\x80\x80\x80", b"\xf4\x90\x80\x80",
+                   b"\xf9\x90\x80\x80")),
     (("-o", "a.pdf", "-n", "9-9=x", CCL4),
      r"no data set 9-9 in .*ccl4.out \(table 1 has 1-1, 2-1, 3-1\)"),
     (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),
@@ -101,6 +108,15 @@ class Files(unittest.TestCase):
                 files = drawn("-o", name, "-s", "6x4", *CIRCLES).files
                 self.assertEqual(list(files), [name])
 
+    def test_several_or_none(self):
+        """One of them cannot get its name."""
+        gnuplot = ("#!/bin/sh\n[ ! -e ../once ] || touch fig-2.svg\ntouch ../once\n"
+                   f'exec {GNUPLOT} "$@"\n').encode()
+        run = figure("--no-multiplot", "-o", "fig.svg", "-d", "sms,tsms", "-c", "1-1", CCL4,
+                     gnuplot=gnuplot)
+        self.assertEqual((run.stderr, run.files), (
+            "gravlex-figure: cannot write fig-2.svg: File exists\n", {}))
+
     def test_page(self):
         """All but the pictures."""
         name = "<a> & \"b'.out"
@@ -139,6 +155,7 @@ class Failures(unittest.TestCase):
                 (b"#!/bin/sh\necho a >&2\necho b >&2\necho >&2\nexit 1\n", "gnuplot says: b"),
                 (LACKS_TERMINALS, "gnuplot says: (warning: )?unknown or ambiguous .*"),
                 (b"#!/bin/sh\nexit 0\n", "gnuplot ended without a picture"),
+                (b"#!/bin/sh\nprintf 'IEND\256\102\140\202'\n", "gnuplot did not finish .*"),
                 (b"#!/bin/sh\nkill -9 $$\n", "gnuplot ended without a picture"),
                 (f"#!/bin/sh\n{GNUPLOT} \"$@\" | head -c 9999\n".encode(),
                  "gnuplot did not finish the picture: the disk of temporary files may be full")):
@@ -147,8 +164,9 @@ class Failures(unittest.TestCase):
                     refused(self, figure("-o", name, *ONE_PLOT, gnuplot=gnuplot), said)
 
     def test_picture_without_a_size(self):
-        stub = b"#!/bin/sh\necho '<svg></svg>'\n"
-        self.assertEqual(content("a.svg", *ONE_PLOT, gnuplot=stub), b"<svg></svg>\n")
+        stub = b"#!/bin/sh\necho '<svg>neither width nor height</svg>'\n"
+        self.assertEqual(content("a.svg", *ONE_PLOT, gnuplot=stub),
+                         b"<svg>neither width nor height</svg>\n")
 
     def test_name_that_is_taken_meanwhile(self):
         for more, taking, why in ("-g", "touch", "File exists"), ("-f", "mkdir", "Is a directory"):

@@ -117,6 +117,13 @@ class Places(unittest.TestCase):
         """That of five kinds is longer than the page is high."""
         self.check(PLOTS["many labels"], "6x4", 11)
 
+    def test_falling_s(self):
+        """Where s falls, the axis still rises."""
+        rows = [(3 - k / 10, k, k) for k in range(20)]
+        commands = drawn("-o", "a.svg", "-d", "sms", "-c", "1-1", "a",
+                         files={"a": figures.table(rows)}).commands
+        self.assertIn("set xrange [1.005 : 3.095]", commands)
+
     def test_long_numbers_at_the_ends(self):
         self.check(("--xmin", "-1000", "--xmax", "1000", *ONE_PLOT), "8.5x6", 8)
 
@@ -211,7 +218,7 @@ class Letters(unittest.TestCase):
                 (("--ytics", "--no-autoshifts", *ONE_PLOT), True), \
                 (("--ytics", "--data", "sms", "--curves", "1-1,2-1", "flat"), False):
             commands = drawn("-o", "a.svg", *arguments, files={"flat": flat}).commands
-            self.assertEqual("set format y '%g'" in commands, numbers, arguments)
+            self.assertEqual("set format y '%.10g'" in commands, numbers, arguments)
 
 
 class Sizes(unittest.TestCase):
@@ -315,6 +322,12 @@ class Curves(unittest.TestCase):
             run = drawn("-o", "a.pdf", "--ytics", "--no-autoshifts", "--data", "sms,tsms",
                         "--curves", "1-1", "a.out", files={"a.out": figures.table(rows)})
             self.assertIn(f"set yrange [{axis}]", run.commands)
+        close = [("2.0", "100", "100"), ("3.0", "100.0005", "100.0003")]
+        pdf = content("a.pdf", "--ytics", "--no-autoshifts", "--data", "sms,tsms", "--curves",
+                      "1-1", "a.out", files={"a.out": figures.table(close)})
+        numbers = [word for *_, word in figures.words(pdf) if word.startswith("100")]
+        self.assertEqual(len(set(numbers)), len(numbers))
+        self.assertIn("100.0005", numbers)
         for rows in [("2.0", "inf", "1.0"), flat[1]], [("2.0", "nan", "nan")], \
                 [("2.0", "1e300", "1.0"), flat[1]]:
             run = figures.figure("-o", "a.pdf", "--data", "sms,tsms", "--no-autoshifts", "--curves",
