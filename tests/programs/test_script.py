@@ -103,6 +103,7 @@ class Script(ProgramTest):
 
     def test_page(self):
         self.check_screen(*PAGE)
+        self.assertTrue(self.kept().endswith("\nunset multiplot\n"))
 
     def test_page_with_an_empty_panel(self):
         self.check_screen("--dread", "sms,tsms", "--dcombine", "dsms", *PAGE[2:])
@@ -211,6 +212,7 @@ class Script(ProgramTest):
         out, _ = self.script("-o", "-", "--no-multiplot", *PAGE)
         commands = re.sub(rb"(?m)^(#|\$|[-\d]|EOD).*\n", b"", out)
         shown = re.findall(rb"set terminal '.GPVAL_TERM.' (\d)|^plot ()", commands, re.M)
+        self.assertEqual(out[:2], b"# ")
         self.assertEqual(shown, [(b"%d" % (n // 2 + 1) if n % 2 == 0 else b"", b"")
                                  for n in range(8)])
         self.assertNotIn(b"PNG", out)
@@ -414,6 +416,9 @@ class Script(ProgramTest):
         rows = whole.index("\n    2.000") + 1
         end = whole.index("-----", rows)
         self.check_input(whole[:rows] + whole[end:], "data set 1-1 of in has no rows")
+        rows = whole.rindex("\n    2.000") + 1
+        self.check_input(whole[:rows] + whole[whole.index("-----", rows):],
+                         "data set 2-1 of in has no rows")
 
     def test_different_columns(self):
         first = "   Exp. sM(s)", "   Thr. sM(s)"
