@@ -3,6 +3,7 @@
 
 #include <popt.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -46,10 +47,13 @@ static void meet_header() {
     unsigned found = 0;
     for (int i = 0; i < Ncols; i++)
         found |= static_cast<unsigned>(ColType[i]);
-    const unsigned missing = KindsNamed & ~found;
-    if (missing == 0)
+    const unsigned missing = (KindsNamedToRead | KindsNamedToCombine) & ~found;
+    if (missing == 0 && NcolsToPlot >= 2)
         return;
     ProgramName = OwnName;
+    if (missing == 0)
+        fail(stderr, "nothing to read in table %d of %s: is the file complete?\n", TableN,
+             InputName);
     fail(stderr, "no kind %s in %s (table %d has %s)\n", kind_words(missing).c_str(), InputName,
          TableN, kind_words(found & ~unsigned{P_GINT_S | P_GINT_R}).c_str());
 }
@@ -134,12 +138,35 @@ static void end_without_memory() {
 }
 // GCOV_EXCL_STOP
 
+void require_number(const char* option, double value, double least, double most) {
+    if (!(least <= value && value <= most))
+        fail(stderr, "--%s is a number from %g to %g\n", option, least, most);
+}
+
+// gnuplot would take others and draw something else, or nothing.
+static void require_numbers() {
+    require_number("lw", LineWidthFactor, 0, 1000);
+    require_number("elw", ErrLineWidthFactor, 0, 1000);
+    require_number("psf", PointSizeFactor, 0, 1000);
+    require_number("efa", ErrFillAlpha, 0, 1);
+    require_number("ratio", PlotRatio, -1e6, 1e6);
+    require_number("smsef", smsStdevFactor, 0, 1000);
+    require_number("style_sms", Type[d_idx(P_GINT_SMS)].style_type, ST_LINES, ST_LPOINTS);
+    if (Gxmin != GX_NOT_GIVEN)
+        require_number("xmin", Gxmin, -1e15, 1e15);
+    if (Gxmax != GX_NOT_GIVEN)
+        require_number("xmax", Gxmax, -1e15, 1e15);
+}
+
 char** start_program(int argc, char** argv, const program_t& program) {
     std::set_new_handler(end_without_memory);
     ProgramName = program.name;
     Program = &program;
     prepare_process();
-    return parse_options(argc, argv, program_table(), program.arguments, handle_program_option);
+    char** names =
+        parse_options(argc, argv, program_table(), program.arguments, handle_program_option);
+    require_numbers();
+    return names;
 }
 
 const char* only_input(char** names) {
@@ -255,6 +282,33 @@ void prepare_plots() {
         fail(stderr, "nothing to draw in table %d of %s\n", TableN, InputName);
     if (AutoShifts)
         calc_shifts({1, 1});
+}
+
+// Ends that have the same six decimals are equal to gnuplot. What has no place is infinite, no
+// number, or 1e99 where nothing was found.
+static bool widen(double* from, double* to) {
+    if (std::fabs(*to - *from) < 1e-6) {
+        *from -= 1.0;
+        *to += 1.0;
+    }
+    return std::isfinite(*to - *from) && *from < 1e98;
+}
+
+bool find_ranges(plot_t plot, ranges_t* ranges) {
+    if (!has_series(plot))
+        return false;
+    *ranges = plot_ranges(plot);
+    return widen(&ranges->xmin, &ranges->xmax) && widen(&ranges->ymin, &ranges->ymax);
+}
+
+void require_ranges() {
+    bool found = false;
+    for_each_plot([&found](plot_t plot) {
+        ranges_t ranges = {};
+        found = found || find_ranges(plot, &ranges);
+    });
+    if (!found)
+        fail(stderr, "no numbers to draw in %s\n", InputName);
 }
 
 // ---- Numbers -----------------------------------------------------------------------------------

@@ -29,6 +29,9 @@ struct program_t {
 // names of its input files, up to a null. To be called first.
 char** start_program(int argc, char** argv, const program_t& program);
 
+// Ends the run with a sentence if the value of the option is not between these, or no number.
+void require_number(const char* option, double value, double least, double most);
+
 // Refuses more than one of them.
 const char* only_input(char** names);
 
@@ -59,6 +62,13 @@ void require_set(int Nd, int Nc);
 // so that one column map could not be right for all of them, if the first one is not s, if no plot
 // has anything to draw, or one has what has no style.
 void prepare_plots();
+
+// The axes of a plot as gnuplot can draw them, where gravlex's own may have equal ends. False for
+// a plot without series, or without values that have a place. After prepare_plots.
+bool find_ranges(plot_t plot, ranges_t* ranges);
+
+// Ends the run with a sentence if there are none for any plot.
+void require_ranges();
 
 // ---- Numbers -----------------------------------------------------------------------------------
 // For programs that write these instead of drawing them.

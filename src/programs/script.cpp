@@ -4,9 +4,11 @@
 // to the pixel, and is plain ASCII as long as the terminal's name is.
 #include <popt.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "input/input.h"
 #include "program.h"
@@ -53,15 +55,42 @@ static void write_word(const char* word) {
     std::fprintf(f, "'");
 }
 
-static void write_content() {
+// Each once, in lines that are not too long for a letter.
+static void write_names(const std::vector<std::string>& names) {
+    std::size_t used = 20;
+    for (const std::string& name : names) {
+        const bool is_last = &name == &names.back();
+        const bool fits = (used += name.size() + 2) < 80;
+        std::fprintf(f, "%s%s%s", fits ? " " : "\n#    ", name.c_str(), is_last ? "" : ",");
+        used = fits ? used : name.size() + 6;
+    }
+}
+
+static void add_once(std::vector<std::string>* names, const std::string& name) {
+    if (std::find(names->begin(), names->end(), name) == names->end())
+        names->push_back(name);
+}
+
+// Of the plot, or of all.
+static void write_content(const plot_t* only) {
+    std::vector<std::string> kinds, sets;
+    const auto add = [&](plot_t plot) {
+        for_each_column(plot, [&](int c, int j) {
+            if (deviation_of(PlotColType[j]) != DEV_HIDDEN)
+                add_once(&kinds, Type[d_idx(PlotColType[j])].name);
+            add_once(&sets, std::to_string(CurveNd[c]) + "-" + std::to_string(CurveNc[c]));
+        });
+    };
+    if (only != nullptr)
+        add(*only);
+    else
+        for_each_plot(add);
     std::fprintf(f, "# Table %d of ", TableN);
     write_word(InputName);
     std::fprintf(f, ":");
-    for (int j = 1; j < NcolsToPlot; j++)
-        std::fprintf(f, "%s %s", j > 1 ? "," : "", Type[d_idx(PlotColType[j])].name);
+    write_names(kinds);
     std::fprintf(f, "\n# of the data sets");
-    for (int c = 0; c < Ncurves; c++)
-        std::fprintf(f, "%s %d-%d", c > 0 ? "," : "", CurveNd[c], CurveNc[c]);
+    write_names(sets);
     std::fprintf(f, "\n");
 }
 
@@ -91,14 +120,14 @@ static void write_usage(const char* name) {
         name);
 }
 
-static void write_comment(const char* name) {
+static void write_comment(const char* name, const plot_t* only) {
     std::fprintf(f, "# A gnuplot script, written by\n#    %s", ProgramName);
     for (int i = 1; i < ArgCount; i++) {
         std::fprintf(f, " ");
         write_word(Arguments[i]);
     }
     std::fprintf(f, "\n");
-    write_content();
+    write_content(only);
     write_usage(std::strcmp(name, "-") == 0 ? "gravlex.gp" : name);
     std::fprintf(f, "\n");
 }
@@ -106,9 +135,11 @@ static void write_comment(const char* name) {
 // ---- The plots ---------------------------------------------------------------------------------
 
 static void write_plot(plot_t plot) {
-    Look->settings(plot, plot_ranges(plot));
-    if (has_series(plot))
-        write_plot_command(plot);
+    ranges_t ranges = {};
+    if (!find_ranges(plot, &ranges))
+        return;
+    Look->settings(plot, ranges);
+    write_plot_command(plot);
 }
 
 // The terminal stands in front: on a page of panels gnuplot would refuse to change it.
@@ -129,7 +160,7 @@ static void write_terminal(int number) {
 }
 
 static void write_page() {
-    write_comment(Output);
+    write_comment(Output, nullptr);
     for_each_plot(write_data_blocks);
     write_terminal(0);
     // An image of a page has the encoding that was set when it began: the Angstrom sign needs it.
@@ -145,12 +176,13 @@ static void write_page() {
 
 // One script, in which each plot has a window or an image of its own.
 static void write_windows() {
-    write_comment(Output);
+    write_comment(Output, nullptr);
     for_each_plot(write_data_blocks);
     int number = 0;
     for_each_plot([&](plot_t plot) {
         number++;
-        if (!has_series(plot))
+        ranges_t ranges = {};
+        if (!find_ranges(plot, &ranges))
             return;
         write_terminal(number);
         if (!image_is_asked_for())
@@ -167,11 +199,12 @@ static void write_scripts() {
     int number = 0;
     for_each_plot([&](plot_t plot) {
         number++;
-        if (!has_series(plot))
+        ranges_t ranges = {};
+        if (!find_ranges(plot, &ranges))
             return;
         const std::string name = numbered_name(Output, number);
         f = new_file(name.c_str(), Force);
-        write_comment(name.c_str());
+        write_comment(name.c_str(), &plot);
         write_data_blocks(plot);
         write_terminal(number);
         write_plot(plot);
@@ -184,6 +217,7 @@ int main(int argc, char** argv) {
     InputName = only_input(start_program(argc, argv, Script));
     read_input(InputName);
     prepare_plots();
+    require_ranges();
     Terminal = UserTerminal ? UserTerminalName : nullptr;
     UserTerminal = 0;
     NamedBlocks = 1;

@@ -10,9 +10,11 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <popt.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 
@@ -65,7 +67,9 @@ void forget_news() {
 
 // The process that reads. What it says goes to the one that waits for it.
 [[noreturn]] static void read_once(const char* name, FILE* commands, int number, int messages) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     dup2(messages, STDERR_FILENO);
+    require_rereadable(name);
     write_picture(name, commands, number);
     std::exit(EXIT_SUCCESS);
 }

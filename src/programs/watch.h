@@ -13,6 +13,10 @@
 // tell. What can only be read once, and what is in no folder, ends the run with a sentence.
 int watch_file(const char* name);
 
+// Ends the process with a sentence if there is something else than a file of that name: to open a
+// pipe may take for ever.
+void require_rereadable(const char* name);
+
 // Takes what that descriptor has to tell, if anything.
 void take_events();
 

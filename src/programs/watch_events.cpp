@@ -67,6 +67,12 @@ static void look() {
     NextLook = now() + LOOK;
 }
 
+void require_rereadable(const char* name) {
+    const struct stat file = file_status();
+    if (file.st_mode != 0 && !S_ISREG(file.st_mode))
+        fail(stderr, "%s is no file that can be read again and again\n", name);
+}
+
 int watch_file(const char* name) {
     Name = name;
     const char* slash = std::strrchr(name, '/');
@@ -77,9 +83,7 @@ int watch_file(const char* name) {
     struct stat folder = {};
     if (stat(Folder.c_str(), &folder) != 0)
         fail(stderr, "Cannot open file '%s'\n", name);
-    const struct stat file = file_status();
-    if (file.st_mode != 0 && !S_ISREG(file.st_mode))
-        fail(stderr, "%s is no file that can be read again and again\n", name);
+    require_rereadable(name);
     Events = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
     look();
     return Events;

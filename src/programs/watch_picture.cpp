@@ -6,27 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cmath>
 #include <cstring>
 
 #include "watch.h"
-
-// gnuplot refuses an axis between equal ends, and one that has no end.
-static bool widen(double* from, double* to) {
-    if (*from == *to) {
-        *from -= 1.0;
-        *to += 1.0;
-    }
-    return *from < *to && std::isfinite(*to - *from);
-}
-
-// False for a plot without curves, or without values that have a place.
-static bool find_ranges(plot_t plot, ranges_t* ranges) {
-    if (!has_series(plot))
-        return false;
-    *ranges = plot_ranges(plot);
-    return widen(&ranges->xmin, &ranges->xmax) && widen(&ranges->ymin, &ranges->ymax);
-}
 
 // All that is written is ASCII. Where a font for another encoding is missing, the x11 terminal
 // takes that for a closed window.
@@ -76,17 +58,12 @@ static void write_page() {
     std::fprintf(f, "unset multiplot\n");
 }
 
-static void write_all_data(const char* name) {
-    bool found = false;
+static void write_all_data() {
     for_each_plot([&](plot_t plot) {
         ranges_t ranges = {};
-        if (find_ranges(plot, &ranges)) {
+        if (find_ranges(plot, &ranges))
             write_data_blocks(plot);
-            found = true;
-        }
     });
-    if (!found)
-        fail(stderr, "no numbers to draw in %s\n", name);
 }
 
 void write_picture(const char* name, FILE* commands, int number) {
@@ -99,10 +76,11 @@ void write_picture(const char* name, FILE* commands, int number) {
     UserTerminal = 0;  // set once, at the start
     read_input(name);
     prepare_plots();
+    require_ranges();
     // gnuplot has loaded what was there before.
     const int uncut = ftruncate(fileno(f), 0);
     lseek(fileno(f), 0, SEEK_SET);
-    write_all_data(name);
+    write_all_data();
     if (page_has_panels())
         write_page();
     else

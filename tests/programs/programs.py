@@ -15,7 +15,8 @@ from running import BENZENE, CCL4, PROGRAM, TIME_LIMIT
 
 HOSTILE = ("two words", "it's", 'say "x"', "100%d", "a\nsystem 'touch harm'\n", "|touch harm",
            "-f", "`touch harm`", "$(touch harm)", "back\\", "a\\\nsystem 'touch harm'", "é",
-           "<touch harm", "x'; system 'touch harm'; '", 'x"; system "touch harm"; "', "#a", "@a", "\x7f")
+           "<touch harm",
+           "x'; system 'touch harm'; '", 'x"; system "touch harm"; "', "#a", "@a", "\x7f")
 
 
 def table(*sets, labels=("   Exp. sM(s)", "   Thr. sM(s)"), value=float, end=True):

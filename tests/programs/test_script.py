@@ -162,6 +162,16 @@ class Script(ProgramTest):
 
 """)
 
+    def test_comment_of_each_script(self):
+        """What is in it, in lines that a letter can have."""
+        sets = [f"{n}-1" for n in range(100, 200)]
+        (self.work / "in").write_text(table(*sets))
+        self.script("--no-multiplot", "--ccombine", ",".join(sets), "in")
+        head = self.kept("gravlex-2.gp").split("# In a window")[0].split("\n", 2)[2]
+        self.assertTrue(head.startswith("# Table 1 of in: Theoretical sM(s)\n# of the data sets "))
+        self.assertEqual(head.split("sets ")[1].replace("\n#   ", "").strip().split(", "), sets)
+        self.assertLess(max(map(len, head.splitlines())), 90)
+
     def test_blocks(self):
         """The numbers of the stream, and one series a line."""
         self.script("--smserrbars", *DEVIATIONS)
@@ -396,6 +406,19 @@ class Script(ProgramTest):
         (self.work / "in").write_text(table("1-1"))
         self.assertEqual(self.blocks("--dread", "all,!bgl", "in"), ["$sms_1_1", "$tsms_1_1"])
 
+    def test_lists_that_are_replaced(self):
+        """The last one holds, and all that a list names is in it until it says all."""
+        (self.work / "in").write_text(table("1-1"))
+        for arguments in (("--dread=bgl", "--dread=sms"), ("--dcombine=bgl", "--dcombine=sms"),
+                          ("--data=bgl", "--dread=sms", "--dcombine=sms"), ("--data=bgl,all",)):
+            self.script("-f", *arguments, "in")
+        for arguments in ("--dread=bgl", "--dcombine=sms"), ("--dread=sms", "--dcombine=bgl"):
+            self.assertIn("no kind bgl in in", self.complaint(*arguments, "in"))
+
+    def test_nothing_left_of_a_header(self):
+        self.check_input(table("1-1").replace("|", ":"),
+                         "nothing to read in table 1 of in: is the file complete?")
+
     def test_many_sets(self):
         sets = [f"{n}-1" for n in range(1, 200)]
         message = self.complaint_about(table(*sets), "--cread=999-9")
@@ -442,6 +465,26 @@ class Script(ProgramTest):
         (self.work / "in").write_text(table("1-1", labels=("      R    ", "   Exp. sM(s)")))
         self.assertEqual(self.complaint("in"),
                          "R-values cannot be drawn: name the kinds of in with --data")
+
+    def test_curves_without_an_extent(self):
+        """gnuplot would stop at them, and leave out what stands behind. A backward axis is one."""
+        flat = table("1-1", "2-1", value=lambda s: 0.5)
+        (self.work / "flat").write_text(flat)
+        for arguments in (("flat",), ("--xmin=5", "--xmax=5", *PAGE),
+                          ("--xmin=5", "--xmax=3", *PAGE)):
+            self.script("-f", *arguments)
+            self.assertEqual(self.run_program("gnuplot", "-e", "set term dumb", "gravlex.gp")[0]
+                             .count(b"s, A"), 4, arguments)
+
+    def test_values_without_a_place(self):
+        """They are not drawn; where there is nothing else, nothing is written."""
+        rest = table("1-1", "2-1").replace("0.9500", "0", 1)
+        (self.work / "in").write_text(rest)
+        self.script("--no-multiplot", "in")
+        self.assertEqual(self.files(), ["gravlex-3.gp", "gravlex-4.gp", "in"])
+        self.assertEqual(self.complaint("--curves=1-1", "in"), "no numbers to draw in in")
+        for option in "--psf=nan", "--lw=-1", "--style_sms=4", "--xmin=inf":
+            self.assertIn(" is a number from ", self.complaint(option, *ONE_PLOT))
 
     def test_plots_without_series(self):
         """They have a number, but no script."""

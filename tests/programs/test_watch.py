@@ -213,6 +213,17 @@ class File(Watched):
         result = watch([*DUMB, "here/fit.out"], steps, start="mkdir here && " + START)
         self.check_end(result, [AWAY.replace("fit", "here/fit")] * 2)
 
+    def test_pipe_in_between(self):
+        def steps(session):
+            session.wait("messages", "drawn 1\n")
+            session.file.unlink()
+            os.mkfifo(session.file)
+            session.wait("said", f"again {WAITING}\n")
+            session.replace(table("1-1"))
+            session.wait("messages", "drawn 3\n")
+        self.check_end(watch([*DUMB, "fit.out"], steps),
+                       [f"fit.out is no file that can be read again and again {WAITING}"])
+
     def test_what_cannot_be_watched(self):
         self.refused("Cannot open file 'nowhere/fit.out'", "--term", "dumb", "nowhere/fit.out")
         self.refused("/dev/null is no file that can be read again and again", "--term", "dumb",
@@ -280,9 +291,14 @@ class Picture(Watched):
             session.wait("messages", "drawn")
         result = watch(["--term", "dumb", "fit.out"], steps, nothing)
         self.check_end(result, [f"no numbers to draw in fit.out {WAITING}"])
-        result = watch([*DUMB, "--xmin", "4", "--xmax", "3", "fit.out"],
-                       lambda session: session.wait("said", "\n"))
-        self.check_end(result, [f"no numbers to draw in fit.out {WAITING}"])
+
+    def test_backward_axis(self):
+        """As gravlex draws it: the ends are given so, or s falls."""
+        falling = table("1-1", rows=((3, 0, 1), (2, 1, 0)))
+        for more in ("--xmin", "3.05", "--xmax", "1.95"), ():
+            shown = self.drawn_and_drawn_again([*DUMB, *more, "fit.out"], falling,
+                                               falling.replace("3.0", "3.1"))
+            self.assertRegex(shown, r"\n +3 +2\.8 +2\.6 +2\.4 +2\.2 +2 +\n")
 
     def test_examples_of_the_manual(self):
         shown = re.findall(r"(?m)^\.It Li gravlex-watch (.*) (\w+\.out)$",

@@ -201,9 +201,16 @@ static bool read_kinds(const char* option, const char* list, unsigned* mask) {
     return false;
 }
 
-static bool read_kinds_with_s(const char* option, const char* list, unsigned* mask) {
-    const bool good = read_kinds(option, list, mask);
-    *mask |= P_GINT_S;
+static bool read_kinds_to_read(const char* option, const char* list) {
+    const bool good = read_kinds(option, list, &DataToRead);
+    DataToRead |= P_GINT_S;
+    KindsNamedToRead = KindsNamed;
+    return good;
+}
+
+static bool read_kinds_to_combine() {
+    const bool good = read_kinds("dcombine", dcombine, &DataToCombine);
+    KindsNamedToCombine = KindsNamed;
     return good;
 }
 
@@ -242,8 +249,9 @@ static bool read_curves() {
 }
 
 static bool read_data() {
-    const bool good = read_kinds_with_s("data", data, &DataToRead);
+    const bool good = read_kinds_to_read("data", data);
     DataToCombine = DataToRead;
+    KindsNamedToCombine = KindsNamedToRead;
     return good;
 }
 
@@ -263,9 +271,9 @@ bool handle_option(int code) {
             print_version();
             return true;
         case OPT_DREAD:
-            return read_kinds_with_s("dread", dread, &DataToRead);
+            return read_kinds_to_read("dread", dread);
         case OPT_DCOMBINE:
-            return read_kinds("dcombine", dcombine, &DataToCombine);
+            return read_kinds_to_combine();
         case OPT_DATA:
             return read_data();
         case OPT_CREAD:

@@ -110,8 +110,9 @@ const char* parse_command_line(int argc, char** argv);
 // Prints the settings on standard output.
 void echo_settings();
 
-// Kinds that lists named by their own words; written by parse_data_string.
-extern unsigned KindsNamed;
+// Kinds that a list named by their own words, and that stand: of the list parsed last, and of
+// those behind DataToRead and DataToCombine.
+extern unsigned KindsNamed, KindsNamedToRead, KindsNamedToCombine;
 
 // The parts of the command line, for a further program with options of its own: popt's table of
 // gravlex's options, up to POPT_TABLEEND, and what is done for each that popt returns (false after

@@ -28,7 +28,7 @@ static const kind_word_t KindWords[] = {
     {"ints", P_GINT_INTS}, {"tint", P_GINT_TINT}, {"dint", P_GINT_DINT},
 };
 
-unsigned KindsNamed = 0;
+unsigned KindsNamed = 0, KindsNamedToRead = 0, KindsNamedToCombine = 0;
 
 const char* kind_word(int kind) {
     for (const kind_word_t& known : KindWords) {
@@ -42,6 +42,7 @@ const char* kind_word(int kind) {
 static bool apply_word(const char* word, unsigned* Data) {
     if (std::strcmp(word, "all") == 0) {
         *Data = P_GINT_WORD_ALL;
+        KindsNamed = 0;
         return true;
     }
     const bool removes = word[0] == '!';
@@ -64,6 +65,7 @@ int parse_data_string(const char* str, unsigned int* Data) {
         return 1;
     }
     std::strcpy(list, str);
+    KindsNamed = 0;
     for (char* word = std::strtok(list, ","); word != nullptr; word = std::strtok(nullptr, ",")) {
         if (!apply_word(word, Data)) {
             say("Unknown data type: %s\n", word);
