@@ -80,6 +80,7 @@ static bool read_size() {
 // are none between the halves of those of UTF-16, and no SVG may have the last two of its 65536.
 static int character_length(const char* text) {
     static constexpr unsigned LEAST[] = {' ', 0xa0, 0x800, 0x10000};  // of 1, 2, 3, 4 bytes
+    static constexpr unsigned LINE_SEPARATOR = 0x2028;  // and, behind it, of paragraphs
     const unsigned first = static_cast<unsigned char>(*text);
     if ((first >= 0x80 && first < 0xc0) || first >= 0xf8)
         return 0;
@@ -92,7 +93,7 @@ static int character_length(const char* text) {
     }
     const bool is_half = code >= 0xd800 && code < 0xe000;
     if (code < LEAST[length - 1] || code > 0x10ffff || code == 0x7f || is_half ||
-        (code & 0xfffe) == 0xfffe)
+        (code & 0xfffe) == 0xfffe || (code & ~1U) == LINE_SEPARATOR)
         return 0;
     return length;
 }
@@ -145,29 +146,9 @@ static void find_format() {
         fail(stderr, "%s has none of the endings .pdf, .eps, .svg, .png and .html\n", Output);
 }
 
-// gnuplot would take others and draw something else, or nothing.
 static void check_numbers() {
-    const struct {
-        const char* option;
-        double value, least, most;
-    } numbers[] = {
-        {"points", Figure.letters, 1, 200},
-        {"dpi", static_cast<double>(Figure.dpi), 10, 10000},
-        {"lw", LineWidthFactor, 0, 1000},
-        {"elw", ErrLineWidthFactor, 0, 1000},
-        {"psf", PointSizeFactor, 0, 1000},
-        {"efa", ErrFillAlpha, 0, 1},
-        {"ratio", PlotRatio, -1e6, 1e6},
-        {"smsef", smsStdevFactor, 0, 1000},
-        {"xmin", Gxmin == GX_NOT_GIVEN ? 0 : Gxmin, -1e15, 1e15},
-        {"xmax", Gxmax == GX_NOT_GIVEN ? 0 : Gxmax, -1e15, 1e15},
-        {"style_sms", static_cast<double>(Type[d_idx(P_GINT_SMS)].style_type), ST_LINES,
-         ST_LPOINTS},
-    };
-    for (const auto& [option, value, least, most] : numbers) {
-        if (!(least <= value && value <= most))
-            fail(stderr, "--%s is a number from %g to %g\n", option, least, most);
-    }
+    require_number("points", Figure.letters, 1, 200);
+    require_number("dpi", Figure.dpi, 10, 10000);
     const double most = 32767;  // of the library that draws for gnuplot
     const double pixels = std::max(Figure.width, Figure.height) / 2.54 * Figure.dpi;
     if (is_format(".png") && pixels > most)
@@ -274,6 +255,20 @@ static std::vector<page_t> make_pages() {
     return pages;
 }
 
+// gnuplot would draw empty frames without a word.
+static void require_curves(const std::vector<page_t>& pages) {
+    bool found = false;
+    for (const page_t& page : pages) {
+        for (const panel_t& panel : page.panels)
+            for_each_column(panel.plot, [&](int c, int) {
+                const auto [low, high] = std::minmax(Curve[c][0][0], Curve[c][0][Npts[c] - 1]);
+                found = found || (low <= panel.ranges.xmax && high >= panel.ranges.xmin);
+            });
+    }
+    if (!found)
+        fail(stderr, "no curve has an s between --xmin and --xmax\n");
+}
+
 static void write_pages(const std::vector<page_t>& pages, const char* title) {
     int number = 0;
     for (const page_t& page : pages) {
@@ -297,6 +292,7 @@ int main(int argc, char** argv) {
     prepare_plots();
     NamedBlocks = 1;
     std::vector<page_t> pages = make_pages();
+    require_curves(pages);
     for (page_t& page : pages)
         lay_out(&page);
     const char* slash = std::strrchr(inpFname, '/');

@@ -59,11 +59,14 @@ REFUSED = (
     *((("-o", "a.pdf", "-n", os.fsdecode(b"1-1=" + text), CCL4), "the name of 1-1 is no text .*")
       for text in (b"\xc5", b"\xc2\x85", b"\x7f", b"\x80", b"\xff", b"\xc1\xa1",
                    b"\xf5\x80\x80\x80", b"\xe0\x80\x80", b"\xed\xa0\x80", b"\xed\xbf\xbf",
-                   b"\xef\xbf\xbf", b"\xf0\x80\x80\x80", b"\xf4\x90\x80\x80",
+                   b"\xef\xbf\xbf", b"\xf0\x80\x80\x80", "\u2029".encode(), b"\xf4\x90\x80\x80",
                    b"\xf9\x90\x80\x80")),
     (("-o", "a.pdf", "-n", "9-9=x", CCL4),
      r"no data set 9-9 in .*ccl4.out \(table 1 has 1-1, 2-1, 3-1\)"),
     (("-o", "a.pdf", "--xmin", "9", "--xmax", "2", CCL4), "the axis of s cannot run from 9 to 2"),
+    *((("-o", "a.pdf", "--xmin", low, "--xmax", high, *CIRCLES),
+       "no curve has an s between --xmin and --xmax")
+      for low, high in (("18.01", "200"), ("-9", "1.99"))),
     (("-o", "a.pdf", "--smserrbars", "--data", "sms", CCL4),
      "no deviations to show in .*: read smss as well"),
     (("-o", "a.pdf", running.EXAMPLES / "r_values.out"), "R-values cannot be drawn: .* --data"),
@@ -135,6 +138,8 @@ class Refused(unittest.TestCase):
     def test_limits_themselves(self):
         drawn("-o", "a.png", "-p", "200", "-s", "200x200", "--dpi", "10", "--lw", "0",
               "--elw", "0", "--psf", "0", "--efa", "1", "--style_sms", "1", *CIRCLES)
+        drawn("-o", "a.svg", "--xmin", "0", "--xmax", "2", *CIRCLES)
+        drawn("-o", "a.svg", "--xmin", "18", *CIRCLES)
         drawn("-o", "a.pdf", "-p", "1", "-s", "1x1", "--efa", "0", "--style_sms", "3", *CIRCLES)
 
     def test_sets_with_other_columns(self):
@@ -164,9 +169,8 @@ class Failures(unittest.TestCase):
                     refused(self, figure("-o", name, *ONE_PLOT, gnuplot=gnuplot), said)
 
     def test_picture_without_a_size(self):
-        stub = b"#!/bin/sh\necho '<svg>neither width nor height</svg>'\n"
-        self.assertEqual(content("a.svg", *ONE_PLOT, gnuplot=stub),
-                         b"<svg>neither width nor height</svg>\n")
+        stub = b"#!/bin/sh\necho '<svg></svg>'\n"
+        self.assertEqual(content("a.svg", *ONE_PLOT, gnuplot=stub), b"<svg></svg>\n")
 
     def test_name_that_is_taken_meanwhile(self):
         for more, taking, why in ("-g", "touch", "File exists"), ("-f", "mkdir", "Is a directory"):

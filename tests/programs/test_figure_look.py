@@ -199,7 +199,7 @@ class Letters(unittest.TestCase):
                                       given=run.files["a.pdf"]).split())
         self.assertIn(f"Exp.sM(s) ({text})", shown)
         self.assertIn("Exp.sM(s) (1-2)", shown)
-        ends = "~\u00a0\u07ff\u0800\ud7ff\ue000\ufffd\U00010000\U0010fffd"  # of ranges of characters
+        ends = "~\u00a0\u07ff\u0800\ud7ff\ue000\ufffd\U00010000\U0010fffd"
         self.assertIn(f"({ends})", content("a.svg", "-n", f"1-1={ends}", *ONE_PLOT).decode())
 
     def test_places_of_names(self):
