@@ -122,6 +122,8 @@ int main(int argc, char** argv) {
     const char* name = only_input(start_program(argc, argv, program));
     if (ListTables && OutputName != nullptr)
         fail(stderr, "--list prints on standard output: use > instead of -o\n");
+    if (ListTables && (DataToRead != P_GINT_EVERY || NparToRead > 0))
+        fail(stderr, "--list shows all kinds and data sets: choose none\n");
     if (ListTables)
         return list_tables(name);
     if (TableN == EVERY_TABLE)

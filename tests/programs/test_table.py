@@ -156,7 +156,9 @@ class Input(kova.Programs):
                 ("Cannot open file 'c.out'", "c.out"),
                 ("No input file defined.", "-t1"),
                 ("--list prints on standard output: use > instead of -o",
-                 "--list", "-o", "x", "a.out")):
+                 "--list", "-o", "x", "a.out"),
+                ("--list shows all kinds and data sets: choose none", "--list", "-dsms", "a.out"),
+                ("--list shows all kinds and data sets: choose none", "--list", "-c1-1", "a.out")):
             with self.subTest(sentence):
                 self.check_refused(sentence, PROGRAM, *arguments, files=files)
 
