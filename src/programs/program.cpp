@@ -3,6 +3,7 @@
 
 #include <popt.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -284,12 +285,13 @@ void prepare_plots() {
         calc_shifts({1, 1});
 }
 
-// Ends that have the same six decimals are equal to gnuplot. What has no place is infinite, no
-// number, or 1e99 where nothing was found.
+// gnuplot is sent six decimals: ends that have the same are equal to it. What has no place is
+// infinite, no number, or 1e99 where nothing was found.
 static bool widen(double* from, double* to) {
-    if (std::fabs(*to - *from) < 1e-6) {
-        *from -= 1.0;
-        *to += 1.0;
+    if (std::rint(*from * 1e6) == std::rint(*to * 1e6)) {
+        const double room = std::max(1.0, 0.05 * std::fabs(*from));
+        *from -= room;
+        *to += room;
     }
     return std::isfinite(*to - *from) && *from < 1e98;
 }

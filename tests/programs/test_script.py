@@ -468,9 +468,10 @@ class Script(ProgramTest):
 
     def test_curves_without_an_extent(self):
         """gnuplot would stop at them, and leave out what stands behind. A backward axis is one."""
-        flat = table("1-1", "2-1", value=lambda s: 0.5)
-        (self.work / "flat").write_text(flat)
-        for arguments in (("flat",), ("--xmin=5", "--xmax=5", *PAGE),
+        (self.work / "flat").write_text(table("1-1", "2-1", value=lambda s: 0.5))
+        (self.work / "high").write_text(table("1-1", "2-1", value=lambda s: 1e18))
+        (self.work / "low").write_text(table("1-1", "2-1").replace("0.9500", "1e9"))
+        for arguments in (("flat",), ("high",), ("low",), ("--xmin=5", "--xmax=5", *PAGE),
                           ("--xmin=5", "--xmax=3", *PAGE)):
             self.script("-f", *arguments)
             self.assertEqual(self.run_program("gnuplot", "-e", "set term dumb", "gravlex.gp")[0]
