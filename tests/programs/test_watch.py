@@ -78,6 +78,11 @@ class Session:
     def descriptors(self):
         return sorted(pathlib.Path(f"/proc/{self.process.pid}/fd").iterdir())
 
+    def processor_time(self):
+        """In seconds."""
+        numbers = pathlib.Path(f"/proc/{self.process.pid}/stat").read_text().split()
+        return sum(map(int, numbers[13:15])) / os.sysconf("SC_CLK_TCK")
+
     def commands(self):
         """What gnuplot loads, from the file without a name."""
         return "".join(path.read_text() for path in self.descriptors()
@@ -124,11 +129,13 @@ class Watched(unittest.TestCase):
 
 class File(Watched):
     def test_no_change(self):
-        """For longer than it takes until the next look."""
+        """For longer than it takes until the next look. Nor does it work while it waits."""
         def steps(session):
             session.wait("messages", "drawn 1\n")
+            worked = session.processor_time()
             time.sleep(2.5)
             self.assertEqual(session.noted("messages").count("drawn"), 1)
+            self.assertLess(session.processor_time() - worked, 0.3)
         self.check_end(watch([*DUMB, "fit.out"], steps))
 
     def test_plain_locale(self):
