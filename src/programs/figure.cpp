@@ -110,14 +110,15 @@ static bool is_text(const char* text) {
 
 static bool read_name() {
     PlotLegend = 1;
-    const char* equals = std::strchr(Name, '=');
+    const std::string given = Name;
+    const std::size_t equals = given.find('=');
+    const std::string set = given.substr(0, equals);
     set_name_t name = {};
-    name.text = equals == nullptr ? "" : equals + 1;
-    const std::string set(Name, equals == nullptr ? 0 : static_cast<std::size_t>(equals - Name));
-    if (parse_int_curve(set.c_str(), &name.Nd, &name.Nc) != 0) {
+    if (equals == std::string::npos || parse_int_curve(set.c_str(), &name.Nd, &name.Nc) != 0) {
         complain("a name is N-M=TEXT, as in 1-1='500 mm'; not '%s'\n", Name);
         return false;
     }
+    name.text = given.substr(equals + 1);
     if (!is_text(name.text.c_str())) {
         complain("the name of %s is no text in UTF-8 on one line\n", set.c_str());
         return false;

@@ -23,8 +23,8 @@ static constexpr std::size_t BEGINNING = 33;
 // gnuplot says nothing and ends with status 0 when the disk of its picture is full.
 static void require_whole(const std::string& picture) {
     const std::size_t size = picture.find_last_not_of(" \n") + 1;
-    const std::size_t least = is_format(".png") ? BEGINNING : 0;
-    if (size < least || !std::string_view(picture.data(), size).ends_with(Figure.format->end))
+    if (!std::string_view(picture.data(), size).ends_with(Figure.format->end) ||
+        (is_format(".png") && size < BEGINNING))
         fail(stderr,
              "gnuplot did not finish the picture: the disk of temporary files may be full\n");
 }

@@ -85,7 +85,6 @@ int watch_file(const char* name) {
         fail(stderr, "Cannot open file '%s'\n", name);
     require_rereadable(name);
     Events = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-    look();
     return Events;
 }
 

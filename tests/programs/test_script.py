@@ -295,8 +295,10 @@ class Script(ProgramTest):
                       self.complaint("--no-multiplot", "-o", "a" * 253, "../benzene.out"))
 
     def test_rights(self):
-        self.script(*ONE_PLOT, preexec_fn=lambda: os.umask(0o027))
-        self.assertEqual((self.work / "gravlex.gp").stat().st_mode & 0o777, 0o640)
+        self.script("--no-multiplot", *PAGE, preexec_fn=lambda: os.umask(0o027))
+        for name in self.files():
+            self.assertEqual((self.work / name).stat().st_mode & 0o777, 0o640)
+        self.script(*ONE_PLOT)
         (self.work / "gravlex.gp").chmod(0o604)
         self.script("-f", *ONE_PLOT)
         self.assertEqual((self.work / "gravlex.gp").stat().st_mode & 0o777, 0o604)
