@@ -87,9 +87,10 @@ static int character_length(const char* text) {
     const int length = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
     unsigned code = length == 1 ? first : first & (0x7fU >> length);
     for (int i = 1; i < length; i++) {
-        if ((text[i] & 0xc0) != 0x80)
+        const unsigned next = static_cast<unsigned char>(text[i]);
+        if (next < 0x80 || next >= 0xc0)
             return 0;
-        code = code << 6 | (text[i] & 0x3fU);
+        code = code << 6 | (next - 0x80);
     }
     const bool is_half = code >= 0xd800 && code < 0xe000;
     if (code < LEAST[length - 1] || code > 0x10ffff || code == 0x7f || is_half ||

@@ -344,7 +344,9 @@ std::string kind_words(unsigned mask) {
         if (is_in(kind.type, mask))
             words.append(words.empty() ? "" : ", ").append(column_word(kind.type));
     }
-    return words.empty() ? "none" : words;
+    if (words.empty())
+        words = "none";
+    return words;
 }
 
 int column_of(const columns_t& columns, int kind) {

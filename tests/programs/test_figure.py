@@ -57,7 +57,7 @@ REFUSED = (
     (("-o", "a.pdf", "-n", "x=1-1", CCL4), "a name is N-M=TEXT, .*; not 'x=1-1'"),
     (("-o", "a.pdf", "-n", "1-1=a\nb", CCL4), "the name of 1-1 is no text in UTF-8 on one line"),
     *((("-o", "a.pdf", "-n", os.fsdecode(b"1-1=" + text), CCL4), "the name of 1-1 is no text .*")
-      for text in (b"\xc5", b"\xc2\x85", b"\x7f", b"\x80", b"\xff", b"\xc1\xa1",
+      for text in (b"\xc5", b"\xc5\xc5", b"\xc2\x85", b"\x7f", b"\x80", b"\xff", b"\xc1\xa1",
                    b"\xf5\x80\x80\x80", b"\xe0\x80\x80", b"\xed\xa0\x80", b"\xed\xbf\xbf",
                    b"\xef\xbf\xbf", b"\xf0\x80\x80\x80", "\u2029".encode(), b"\xf4\x90\x80\x80",
                    b"\xf9\x90\x80\x80")),
@@ -140,6 +140,7 @@ class Refused(unittest.TestCase):
               "--elw", "0", "--psf", "0", "--efa", "1", "--style_sms", "1", *CIRCLES)
         drawn("-o", "a.svg", "--xmin", "0", "--xmax", "2", *CIRCLES)
         drawn("-o", "a.svg", "--xmin", "18", *CIRCLES)
+        drawn("-o", "a.svg", "--xmax", "2", *CIRCLES)
         drawn("-o", "a.pdf", "-p", "1", "-s", "1x1", "--efa", "0", "--style_sms", "3", *CIRCLES)
 
     def test_sets_with_other_columns(self):

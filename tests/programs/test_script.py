@@ -486,6 +486,7 @@ class Script(ProgramTest):
         self.script("--no-multiplot", "in")
         self.assertEqual(self.files(), ["gravlex-3.gp", "gravlex-4.gp", "in"])
         self.assertEqual(self.complaint("--curves=1-1", "in"), "no numbers to draw in in")
+        self.check_input(table("1-1").replace("    2.000 ", "      inf "), "no numbers to draw in in")
         for option in "--psf=nan", "--lw=-1", "--style_sms=4", "--xmin=inf":
             self.assertIn(" is a number from ", self.complaint(option, *ONE_PLOT))
 

@@ -156,7 +156,9 @@ static void name_file(new_file_t* file) {
     if (renameat2(AT_FDCWD, temporary, AT_FDCWD, name, flags) != 0 &&
         (errno == EEXIST || rename(temporary, name) != 0))
         fail_to_write(file->name, errno);
-    file->temporary = file->replaces ? "" : file->name;
+    file->temporary.clear();
+    if (!file->replaces)
+        file->temporary = file->name;
 }
 
 void keep_files() {
