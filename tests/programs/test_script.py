@@ -241,9 +241,9 @@ class Script(ProgramTest):
                 (self.work / name).write_text(table("1-1"))
                 arguments = ("-o", f"{name}.gp", f"--png={name}.png", "--term", "", "--", name)
                 self.script(*arguments)
-                self.draw(f"./{name}.gp")
-                self.assertEqual(self.files(), sorted([name, f"{name}.gp", f"{name}.png"]))
                 head = self.kept(f"{name}.gp").split("$sms_1_1")[0]
+                self.run_program("bash", "-c", head.split("# Draw the image:  ")[1])
+                self.assertEqual(self.files(), sorted([name, f"{name}.gp", f"{name}.png"]))
                 self.assertTrue(all(not line or line[0] == "#" for line in head.split("\n")))
                 words = head.split("\n#    ")[1].split("\n")[0]
                 self.assertEqual(self.run_program("bash", "-c", f"printf '%s\\0' {words}")[0],
