@@ -55,7 +55,7 @@ static void write_word(const char* word) {
     std::fprintf(f, "'");
 }
 
-// Each once, in lines that are not too long for a letter.
+// With commas, in lines that are not too long for a letter.
 static void write_names(const std::vector<std::string>& names) {
     std::size_t used = 20;
     for (const std::string& name : names) {
@@ -134,10 +134,19 @@ static void write_comment(const char* name, const plot_t* only) {
 
 // ---- The plots ---------------------------------------------------------------------------------
 
-static void write_plot(plot_t plot) {
-    ranges_t ranges = {};
-    if (!find_ranges(plot, &ranges))
-        return;
+// Visits those that can be drawn, with their numbers among all: visit(number, plot, ranges).
+template <class visitor_t>
+static void for_each_drawn(visitor_t visit) {
+    int number = 0;
+    for_each_plot([&](plot_t plot) {
+        number++;
+        ranges_t ranges = {};
+        if (find_ranges(plot, &ranges))
+            visit(number, plot, ranges);
+    });
+}
+
+static void write_plot(plot_t plot, const ranges_t& ranges) {
     Look->settings(plot, ranges);
     write_plot_command(plot);
 }
@@ -169,7 +178,7 @@ static void write_page() {
                      "set encoding iso_8859_1\n"
                      "set multiplot layout %d, %d title \"KOVA GED curves\"\n",
                      CurveGroupsToPlot, ColGroupsToPlot);
-    for_each_plot(write_plot);
+    for_each_drawn([](int, plot_t plot, const ranges_t& ranges) { write_plot(plot, ranges); });
     if (page_has_panels())
         std::fprintf(f, "unset multiplot\n");
 }
@@ -178,36 +187,26 @@ static void write_page() {
 static void write_windows() {
     write_comment(Output, nullptr);
     for_each_plot(write_data_blocks);
-    int number = 0;
-    for_each_plot([&](plot_t plot) {
-        number++;
-        ranges_t ranges = {};
-        if (!find_ranges(plot, &ranges))
-            return;
+    for_each_drawn([](int number, plot_t plot, const ranges_t& ranges) {
         write_terminal(number);
         if (!image_is_asked_for())
             std::fprintf(f,
                          "if (strstrt('|wxt|qt|x11|aqua|windows|', '|'.GPVAL_TERM.'|')) "
                          "eval 'set terminal '.GPVAL_TERM.' %d'\n",
                          number);
-        write_plot(plot);
+        write_plot(plot, ranges);
     });
 }
 
 // A script for each plot.
 static void write_scripts() {
-    int number = 0;
-    for_each_plot([&](plot_t plot) {
-        number++;
-        ranges_t ranges = {};
-        if (!find_ranges(plot, &ranges))
-            return;
+    for_each_drawn([](int number, plot_t plot, const ranges_t& ranges) {
         const std::string name = numbered_name(Output, number);
         f = new_file(name.c_str(), Force);
         write_comment(name.c_str(), &plot);
         write_data_blocks(plot);
         write_terminal(number);
-        write_plot(plot);
+        write_plot(plot, ranges);
     });
 }
 

@@ -120,12 +120,13 @@ int main(int argc, char** argv) {
     const program_t program = {"gravlex-table", "[options...] inputfile", Options, nullptr,
                                DrawingOptions};
     const char* name = only_input(start_program(argc, argv, program));
-    if (ListTables && OutputName != nullptr)
-        fail(stderr, "--list prints on standard output: use > instead of -o\n");
-    if (ListTables && (DataToRead != P_GINT_EVERY || NparToRead > 0))
-        fail(stderr, "--list shows all kinds and data sets: choose none\n");
-    if (ListTables)
+    if (ListTables) {
+        if (OutputName != nullptr)
+            fail(stderr, "--list prints on standard output: use > instead of -o\n");
+        if (DataToRead != P_GINT_EVERY || NparToRead > 0)
+            fail(stderr, "--list shows all kinds and data sets: choose none\n");
         return list_tables(name);
+    }
     if (TableN == EVERY_TABLE)
         TableN = 1;
     read_input(name);

@@ -242,7 +242,8 @@ class Script(ProgramTest):
                 arguments = ("-o", f"{name}.gp", f"--png={name}.png", "--term", "", "--", name)
                 self.script(*arguments)
                 head = self.kept(f"{name}.gp").split("$sms_1_1")[0]
-                self.run_program("bash", "-c", head.split("# Draw the image:  ")[1])
+                self.assertEqual(self.run_program("bash", "-c",
+                                                  head.split("# Draw the image:  ")[1]), (b"", ""))
                 self.assertEqual(self.files(), sorted([name, f"{name}.gp", f"{name}.png"]))
                 self.assertTrue(all(not line or line[0] == "#" for line in head.split("\n")))
                 words = head.split("\n#    ")[1].split("\n")[0]
@@ -481,12 +482,12 @@ class Script(ProgramTest):
 
     def test_values_without_a_place(self):
         """They are not drawn; where there is nothing else, nothing is written."""
-        rest = table("1-1", "2-1").replace("0.9500", "0", 1)
-        (self.work / "in").write_text(rest)
+        (self.work / "in").write_text(table("1-1", "2-1").replace("0.9500", "0", 1))
         self.script("--no-multiplot", "in")
         self.assertEqual(self.files(), ["gravlex-3.gp", "gravlex-4.gp", "in"])
         self.assertEqual(self.complaint("--curves=1-1", "in"), "no numbers to draw in in")
-        self.check_input(table("1-1").replace("    2.000 ", "      inf "), "no numbers to draw in in")
+        self.check_input(table("1-1").replace("    2.000 ", "      inf "),
+                         "no numbers to draw in in")
         for option in "--psf=nan", "--lw=-1", "--style_sms=4", "--xmin=inf":
             self.assertIn(" is a number from ", self.complaint(option, *ONE_PLOT))
 

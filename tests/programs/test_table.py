@@ -54,12 +54,13 @@ class Csv(kova.Programs):
                          "set,s,sms,r\n1-2,4,5,\n2-2,6,,7\n")
 
     def test_odd_numbers(self):
-        texts = ("0x1.8p3", "inf", "-Infinity", "-nan", "4.9e-324", "0.1", "1e999", "123456789012")
+        texts = ("-nan", "nan", "0x1.8p3", "inf", "-Infinity", "4.9e-324", "0.1", "1e999",
+                 "123456789012")
         text = file(table(data_set("1-1", "s r", *(f"{text} 1" for text in texts))))
-        self.assertNotIn("-nan", self.run_program(PROGRAM, "a.out", files={"a.out": text}))
-        numbers = [float(row["s"]) for row in self.rows("a.out", files={"a.out": text})]
-        self.assertTrue(math.isnan(numbers.pop(3)))
-        self.assertEqual(numbers, [12, math.inf, -math.inf, 5e-324, 0.1, math.inf, 123456789012])
+        written = [row["s"] for row in self.rows("a.out", files={"a.out": text})]
+        self.assertEqual(written[:2], ["nan", "nan"])
+        self.assertEqual(list(map(float, written[2:])),
+                         [12, math.inf, -math.inf, 5e-324, 0.1, math.inf, 123456789012])
 
     def test_options_of_reading(self):
         sample = kova.read(running.BENZENE.read_text(), 2)

@@ -307,7 +307,8 @@ class Picture(Watched):
             shown = self.drawn_and_drawn_again([*DUMB, *more, "fit.out"], falling,
                                                falling.replace("3.0", "3.1"))
             # gnuplot 6 has the -1 of the label between the numbers.
-            self.assertRegex(shown, r"\n +3 +2\.8 +2\.6 [ 1-]+2\.4 +2\.2 +2 +\n")
+            axes = re.findall(r"\n +3 +2\.8 +2\.6 [ 1-]+2\.4 +2\.2 +2 +\n", shown)
+            self.assertEqual(len(axes), 2, shown)
 
     def test_examples_of_the_manual(self):
         shown = re.findall(r"(?m)^\.It Li gravlex-watch (.*) (\w+\.out)$",

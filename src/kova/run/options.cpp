@@ -192,25 +192,19 @@ bool deviations_shown() {
     return smsErrBars || dsmsErrBars || smsErrFill || dsmsErrFill || dsmslErrFill;
 }
 
-// Sets the mask to what the kind list says. False after a message if the list is wrong.
-static bool read_kinds(const char* option, const char* list, unsigned* mask) {
+// Sets the masks to what the kind list says, and names. False after a message if it is wrong.
+static bool read_kinds(const char* option, const char* list, unsigned* mask, unsigned* named) {
     *mask = 0;
-    if (parse_data_string(list, mask) == 0)
-        return true;
-    complain("%s: wrong data type description: '%s'\n", option, list);
-    return false;
-}
-
-static bool read_kinds_to_read(const char* option, const char* list) {
-    const bool good = read_kinds(option, list, &DataToRead);
-    DataToRead |= P_GINT_S;
-    KindsNamedToRead = KindsNamed;
+    const bool good = parse_data_string(list, mask) == 0;
+    *named = KindsNamed;
+    if (!good)
+        complain("%s: wrong data type description: '%s'\n", option, list);
     return good;
 }
 
-static bool read_kinds_to_combine() {
-    const bool good = read_kinds("dcombine", dcombine, &DataToCombine);
-    KindsNamedToCombine = KindsNamed;
+static bool read_kinds_with_s(const char* option, const char* list) {
+    const bool good = read_kinds(option, list, &DataToRead, &KindsNamedToRead);
+    DataToRead |= P_GINT_S;
     return good;
 }
 
@@ -249,7 +243,7 @@ static bool read_curves() {
 }
 
 static bool read_data() {
-    const bool good = read_kinds_to_read("data", data);
+    const bool good = read_kinds_with_s("data", data);
     DataToCombine = DataToRead;
     KindsNamedToCombine = KindsNamedToRead;
     return good;
@@ -271,9 +265,9 @@ bool handle_option(int code) {
             print_version();
             return true;
         case OPT_DREAD:
-            return read_kinds_to_read("dread", dread);
+            return read_kinds_with_s("dread", dread);
         case OPT_DCOMBINE:
-            return read_kinds_to_combine();
+            return read_kinds("dcombine", dcombine, &DataToCombine, &KindsNamedToCombine);
         case OPT_DATA:
             return read_data();
         case OPT_CREAD:
